@@ -1,0 +1,14 @@
+#pragma once
+
+namespace norvane {
+
+// A key pressed on a surface that has the keyboard.
+struct KeyEvent {
+    enum class Key { escape, tab, backTab, space, returnKey, up, down, left, right };
+
+    Key key = Key::escape;
+
+    bool operator==(const KeyEvent&) const = default;
+};
+
+}  // namespace norvane

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "drawing/TextRuler.h"
+#include "platform/Appearance.h"
+#include "platform/Application.h"
+#include "platform/Dispatch.h"
+#include "platform/HostPort.h"
+#include "platform/MonotonicClock.h"
+#include "platform/ProcessInfo.h"
+#include "platform/Sysctl.h"
+#include "platform/UserDefaults.h"
+#include "platform/UUIDSource.h"
+#include "platform/WallClock.h"
+#include "platform/WindowServer.h"
+
+namespace norvane {
+
+// Everything that the application asks of the machine it runs on, as one value to hand on. The parts outlive
+// the application.
+struct Platform {
+    WallClock& wallClock;
+    MonotonicClock& monotonicClock;
+    Dispatch& dispatch;
+    HostPort& hostPort;
+    Sysctl& sysctl;
+    ProcessInfo& processInfo;
+    UserDefaults& userDefaults;
+    UUIDSource& uuidSource;
+    TextRuler& textRuler;
+    Appearance& appearance;
+    WindowServer& windowServer;
+    Application& application;
+};
+
+}  // namespace norvane

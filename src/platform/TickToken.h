@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+namespace norvane {
+
+// Handed out by a tick to everything that it asks: answers that rest on the same kernel text are taken from
+// one reading of it. A different token means a new reading, however soon it comes.
+struct TickToken {
+    std::uint64_t value = 0;
+
+    // Belongs to no tick: always a new reading.
+    static constexpr TickToken none() { return {0}; }
+
+    bool operator==(const TickToken&) const = default;
+};
+
+}  // namespace norvane
