@@ -32,15 +32,15 @@ class Published {
         observers_.tell(value);
     }
 
-    // Main thread only. The observer hears of every later write.
-    [[nodiscard]] Cancellation observe(std::function<void(const Value&)> observer) {
+    // Main thread only. The observer hears of every later write. Whoever may read may observe.
+    [[nodiscard]] Cancellation observe(std::function<void(const Value&)> observer) const {
         return observers_.add(std::move(observer));
     }
 
  private:
     mutable std::mutex mutex_;
     Value value_;  // guarded by mutex_
-    Observers<Value> observers_;
+    mutable Observers<Value> observers_;
 };
 
 }  // namespace norvane

@@ -10,9 +10,9 @@
 
 namespace norvane {
 
-// Named kernel values. What changes from tick to tick is asked from the sampler's queue only; the names of
-// the processors' kind are asked from any thread, and not at the same time from two. The calls return soon
-// and never throw; no value means that this kernel has no such value, or that the call failed this time.
+// Named kernel values. What changes from tick to tick (pressure, swap) is asked from the sampler's queue only;
+// what the machine is made of (`hw.…`, `machdep.…`) is asked from any thread, at any time. The calls return
+// soon and never throw; no value means that this kernel has no such value, or that the call failed this time.
 class Sysctl {
  public:
     virtual ~Sysctl() = default;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/scripted/ScriptedWindowServer.h"
+
+namespace norvane {
+
+// The one item in the scripted desktop's panel.
+class ScriptedStatusItem final : public StatusItem {
+ public:
+    ScriptedStatusItem(ScriptedWindowServer& server, double length) : server_(server) {
+        server_.hasItem_ = true;
+        server_.length_ = length;
+    }
+    ~ScriptedStatusItem() override {
+        server_.hasItem_ = false;
+        server_.content_ = nullptr;
+        server_.action_ = nullptr;
+    }
+
+    void setLength(double points) override { server_.length_ = points; }
+    void setContent(SurfaceContent* content) override { server_.content_ = content; }
+    void setAction(std::function<void()> action) override { server_.action_ = std::move(action); }
+    std::optional<Rect> buttonFrame() const override { return server_.buttonFrame(); }
+
+ private:
+    ScriptedWindowServer& server_;
+};
+
+}  // namespace norvane

@@ -1,0 +1,60 @@
+#include "telemetry/MemoryReader.h"
+
+namespace norvane {
+namespace {
+
+constexpr double kBytesPerGB = 1024.0 * 1024.0 * 1024.0;
+constexpr double kBytesPerMB = 1024.0 * 1024.0;
+
+double gigabytes(std::uint64_t pages, std::uint64_t pageSize) {
+    return static_cast<double>(pages) * static_cast<double>(pageSize) / kBytesPerGB;
+}
+
+// A counter that went back did not move.
+double moved(std::uint64_t before, std::uint64_t now) { return now > before ? static_cast<double>(now - before) : 0; }
+
+}  // namespace
+
+MemoryBasics MemoryReader::readMemoryBasics(TickToken tick) {
+    MemoryBasics basics;
+    basics.total = static_cast<double>(processInfo_.physicalMemory(tick)) / kBytesPerGB;
+    const auto pages = hostPort_.host_statistics64(tick, SwapCounters::leave);
+    if (!pages) return basics;
+    const std::uint64_t pageSize = hostPort_.host_page_size();
+    basics.wired = gigabytes(pages->wire_count, pageSize);
+    basics.compressed = gigabytes(pages->compressor_page_count, pageSize);
+    basics.app = gigabytes(pages->active_count, pageSize);
+    const auto swap = sysctl_.sysctlbyname_vm_swapusage(tick);
+    basics.swap = swap ? static_cast<double>(swap->xsu_used) / kBytesPerGB : 0;
+    basics.used = basics.wired + basics.app + basics.compressed;
+    return basics;
+}
+
+std::int64_t MemoryReader::readMemoryPressure(TickToken tick) {
+    return sysctl_.sysctlbyname(SysctlNumber::kern_memorystatus_vm_pressure_level, tick).value_or(1);
+}
+
+MemoryDetail MemoryReader::readMemoryDetail(TickToken tick) {
+    // Beyond this the counters' difference would be a mean over a gap in which nobody looked.
+    constexpr double kLongestSpan = 5.0;
+
+    const auto pages = hostPort_.host_statistics64(tick, SwapCounters::read);
+    if (!pages) return {};
+    const std::uint64_t pageSize = hostPort_.host_page_size();
+    MemoryDetail detail;
+    detail.cachedFilesGB = gigabytes(pages->external_page_count, pageSize) + gigabytes(pages->purgeable_count, pageSize);
+
+    const double now = wallClock_.CFAbsoluteTimeGetCurrent();
+    const double dt = now - lastMemorySampleTime_;
+    if (lastMemorySampleTime_ > 0 && dt > 0 && dt < kLongestSpan) {
+        const double pageMB = static_cast<double>(pageSize) / kBytesPerMB;
+        detail.swapReadMBps = moved(lastPageIns_, pages->swapins) * pageMB / dt;
+        detail.swapWriteMBps = moved(lastPageOuts_, pages->swapouts) * pageMB / dt;
+    }
+    lastPageIns_ = pages->swapins;
+    lastPageOuts_ = pages->swapouts;
+    lastMemorySampleTime_ = now;
+    return detail;
+}
+
+}  // namespace norvane
