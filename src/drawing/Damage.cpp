@@ -26,11 +26,13 @@ void add(std::vector<Rect>& damage, Rect rect) {
 
 std::vector<Rect> damageBetween(const DisplayList& before, const DisplayList& after) {
     const Rect everything{{}, after.size};
-    if (before.size != after.size) return everything.isEmpty() ? std::vector<Rect>{} : std::vector{everything};
+    if (before.size != after.size)
+        return everything.isEmpty() ? std::vector<Rect>{} : std::vector{everything};
 
     std::unordered_map<std::string_view, std::size_t> oldPlaces;
     oldPlaces.reserve(before.items.size());
-    for (std::size_t i = 0; i < before.items.size(); ++i) oldPlaces.emplace(before.items[i].key, i);
+    for (std::size_t i = 0; i < before.items.size(); ++i)
+        oldPlaces.emplace(before.items[i].key, i);
 
     std::vector<Rect> damage;
     std::vector<bool> kept(before.items.size(), false);
@@ -39,8 +41,8 @@ std::vector<Rect> damageBetween(const DisplayList& before, const DisplayList& af
     std::size_t nextOld = 0;
     for (const DisplayItem& item : after.items) {
         const auto found = oldPlaces.find(item.key);
-        const bool same = found != oldPlaces.end() && found->second >= nextOld &&
-                          before.items[found->second] == item;
+        const bool same =
+            found != oldPlaces.end() && found->second >= nextOld && before.items[found->second] == item;
         if (same) {
             kept[found->second] = true;
             nextOld = found->second + 1;

@@ -66,6 +66,8 @@ class Printer {
 
 }  // namespace
 
-std::string printed(const DisplayList& list) { return Printer{}.printed(list); }
+std::string printed(const DisplayList& list) {
+    return Printer{}.printed(list);
+}
 
 }  // namespace norvane

@@ -8,7 +8,9 @@ bool Rect::contains(Point point) const {
     return point.x >= minX() && point.x < maxX() && point.y >= minY() && point.y < maxY();
 }
 
-bool Rect::intersects(const Rect& other) const { return !intersection(other).isEmpty(); }
+bool Rect::intersects(const Rect& other) const {
+    return !intersection(other).isEmpty();
+}
 
 Rect Rect::intersection(const Rect& other) const {
     const double left = std::max(minX(), other.minX());
@@ -30,8 +32,9 @@ Rect Rect::united(const Rect& other) const {
 }
 
 Rect Rect::inset(const Insets& by) const {
-    return {{origin.x + by.left, origin.y + by.top},
-            {std::max(0.0, size.width - by.left - by.right), std::max(0.0, size.height - by.top - by.bottom)}};
+    return {
+        {origin.x + by.left, origin.y + by.top},
+        {std::max(0.0, size.width - by.left - by.right), std::max(0.0, size.height - by.top - by.bottom)}};
 }
 
 Rect Rect::outset(double by) const {

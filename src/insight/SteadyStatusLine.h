@@ -13,10 +13,12 @@ namespace norvane {
 // thread only.
 class SteadyStatusLine {
  public:
-    // `onChange` is called after the text on screen became another one by the wait's end. The queue outlives this.
+    // `onChange` is called after the text on screen became another one by the wait's end. The queue outlives
+    // this.
     SteadyStatusLine(MainQueue& mainQueue, std::function<void()> onChange);
 
-    // The dashboard opens: shows `text` at once. What was waited for, or seen, before the closing is forgotten.
+    // The dashboard opens: shows `text` at once. What was waited for, or seen, before the closing is
+    // forgotten.
     void open(std::string_view text);
     // The verdict as it is at this evaluation. Only a change starts a wait.
     void observe(std::string_view text);

@@ -8,8 +8,8 @@ namespace norvane {
 
 std::string decimal(double value, int places) {
     std::array<char, 350> text;  // the largest double has 309 digits before the point
-    const auto written = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed,
-                                       std::clamp(places, 0, 17));
+    const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
+                                       std::chars_format::fixed, std::clamp(places, 0, 17));
     return {text.data(), written.ptr};
 }
 

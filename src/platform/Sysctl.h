@@ -10,9 +10,10 @@
 
 namespace norvane {
 
-// Named kernel values. What changes from tick to tick (pressure, swap) is asked from the sampler's queue only;
-// what the machine is made of (`hw.…`, `machdep.…`) is asked from any thread, at any time. The calls return
-// soon and never throw; no value means that this kernel has no such value, or that the call failed this time.
+// Named kernel values. What changes from tick to tick (pressure, swap) is asked from the sampler's queue
+// only; what the machine is made of (`hw.…`, `machdep.…`) is asked from any thread, at any time. The calls
+// return soon and never throw; no value means that this kernel has no such value, or that the call failed
+// this time.
 class Sysctl {
  public:
     virtual ~Sysctl() = default;

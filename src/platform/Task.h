@@ -18,8 +18,8 @@ class Task {
     Task() = default;
 
     template <typename Callable>
-        requires(!std::is_same_v<std::remove_cvref_t<Callable>, Task> && std::is_invocable_v<Callable&>)
-    Task(Callable&& callable) {  // implicit, so that a lambda can be given where a task is wanted
+    requires(!std::is_same_v<std::remove_cvref_t<Callable>, Task> && std::is_invocable_v<Callable&>)
+        Task(Callable&& callable) {  // implicit, so that a lambda can be given where a task is wanted
         using Stored = std::remove_cvref_t<Callable>;
         static_assert(sizeof(Stored) <= kCapacity, "capture a pointer to it instead");
         static_assert(alignof(Stored) <= alignof(std::max_align_t));

@@ -21,8 +21,8 @@ double read(const UserDefaults& defaults, std::string_view key, double fallback)
 }
 
 template <typename Enumeration>
-    requires std::is_enum_v<Enumeration>
-Enumeration read(const UserDefaults& defaults, std::string_view key, Enumeration fallback) {
+requires std::is_enum_v<Enumeration> Enumeration read(const UserDefaults& defaults, std::string_view key,
+                                                      Enumeration fallback) {
     const auto stored = defaults.objectForKey(key);
     const auto text = stored ? storedText(*stored) : std::nullopt;
     return text ? fromRawText<Enumeration>(*text).value_or(fallback) : fallback;
@@ -41,7 +41,9 @@ void migrate(UserDefaults& defaults) {
 
 }  // namespace
 
-PreferencesStore::PreferencesStore(UserDefaults& defaults) : defaults_(defaults) { migrate(defaults_); }
+PreferencesStore::PreferencesStore(UserDefaults& defaults) : defaults_(defaults) {
+    migrate(defaults_);
+}
 
 TemperatureUnit PreferencesStore::temperatureUnit() const {
     return read(defaults_, defaultskey::kTemperatureUnit, TemperatureUnit::celsius);

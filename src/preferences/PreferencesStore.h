@@ -10,8 +10,8 @@
 namespace norvane {
 
 // The user's choices: a thin front on the defaults store. Nothing is kept in the program: each read asks the
-// store and gives the default where the key is missing or holds nothing of that type; each write stores at once
-// and tells the observers. Any thread may read; writing and observing belong to the main thread.
+// store and gives the default where the key is missing or holds nothing of that type; each write stores at
+// once and tells the observers. Any thread may read; writing and observing belong to the main thread.
 class PreferencesStore {
  public:
     // Also carries over what an earlier version stored. The defaults outlive the store.

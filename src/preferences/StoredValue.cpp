@@ -9,10 +9,12 @@
 namespace norvane {
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
-// Whether the text is a decimal number: sign, digits with at most one point, exponent. The library's own parsers
-// differ in what else they let pass.
+// Whether the text is a decimal number: sign, digits with at most one point, exponent. The library's own
+// parsers differ in what else they let pass.
 bool isDecimalNumber(std::string_view text) {
     const auto skipSign = [&] {
         if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);

@@ -14,7 +14,9 @@ constexpr std::size_t kEntries = ProcessorInfo::kEntriesPerProcessor;
 
 // The ticks of one processor in a flat array.
 HostCPULoadInfo ticksOf(std::span<const std::int32_t> ticks, std::size_t processor) {
-    const auto at = [&](std::size_t entry) { return static_cast<std::uint32_t>(ticks[kEntries * processor + entry]); };
+    const auto at = [&](std::size_t entry) {
+        return static_cast<std::uint32_t>(ticks[kEntries * processor + entry]);
+    };
     return {.user = at(0), .system = at(1), .idle = at(2), .nice = at(3)};
 }
 
@@ -52,7 +54,8 @@ CoreUsageReading CPUReader::readCoreUsage(TickToken tick) {
     for (std::size_t i = 0; i < processors; ++i) {
         // A processor that the last reading did not have has nothing to compare with.
         const bool isNew = (i + 1) * kEntries > before.size();
-        const TickMovement moved = isNew ? TickMovement{} : movementBetween(ticksOf(before, i), ticksOf(now, i));
+        const TickMovement moved =
+            isNew ? TickMovement{} : movementBetween(ticksOf(before, i), ticksOf(now, i));
         auto& usages = i < static_cast<std::size_t>(counts.efficiency) ? reading.efficiencyUsages
                                                                        : reading.performanceUsages;
         usages.push_back(moved.busyPercent());

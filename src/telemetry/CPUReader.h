@@ -16,16 +16,17 @@ class CPUReader {
  public:
     CPUReader(HostPort& hostPort, Sysctl& sysctl) : hostPort_(hostPort), sysctl_(sysctl) {}
 
-    // Whole-machine busy share since the last call, 0 to 100. 0 on the first call, on a failed read, and where a
-    // counter moved backwards.
+    // Whole-machine busy share since the last call, 0 to 100. 0 on the first call, on a failed read, and
+    // where a counter moved backwards.
     double readTotalCPUUsage(TickToken tick);
 
-    // Each core since the last call of this, however long that was. A failed read gives empty lists and zeros,
-    // and the next good one measures from the last stored array. The first read gives zeros for every core.
+    // Each core since the last call of this, however long that was. A failed read gives empty lists and
+    // zeros, and the next good one measures from the last stored array. The first read gives zeros for every
+    // core.
     CoreUsageReading readCoreUsage(TickToken tick);
 
-    // Asked of the machine on the first request and then kept. A machine without kinds of cores has performance
-    // cores alone.
+    // Asked of the machine on the first request and then kept. A machine without kinds of cores has
+    // performance cores alone.
     CoreCounts coreCounts();
     // Likewise.
     bool isAppleSilicon();

@@ -7,10 +7,11 @@ namespace norvane {
 // with `updateFalling`; the band itself does not know which it is.
 class Deadband {
  public:
-    Deadband(double thresholdOn, double thresholdOff) : thresholdOn_(thresholdOn), thresholdOff_(thresholdOff) {}
+    Deadband(double thresholdOn, double thresholdOff)
+        : thresholdOn_(thresholdOn), thresholdOff_(thresholdOff) {}
 
-    // Both return the new state. The test for on comes first, so it decides where the thresholds coincide. What
-    // is not a number changes nothing.
+    // Both return the new state. The test for on comes first, so it decides where the thresholds coincide.
+    // What is not a number changes nothing.
     bool update(double value) {
         if (value >= thresholdOn_) {
             isActive_ = true;

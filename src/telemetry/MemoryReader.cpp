@@ -11,7 +11,9 @@ double gigabytes(std::uint64_t pages, std::uint64_t pageSize) {
 }
 
 // A counter that went back did not move.
-double moved(std::uint64_t before, std::uint64_t now) { return now > before ? static_cast<double>(now - before) : 0; }
+double moved(std::uint64_t before, std::uint64_t now) {
+    return now > before ? static_cast<double>(now - before) : 0;
+}
 
 }  // namespace
 
@@ -42,7 +44,8 @@ MemoryDetail MemoryReader::readMemoryDetail(TickToken tick) {
     if (!pages) return {};
     const std::uint64_t pageSize = hostPort_.host_page_size();
     MemoryDetail detail;
-    detail.cachedFilesGB = gigabytes(pages->external_page_count, pageSize) + gigabytes(pages->purgeable_count, pageSize);
+    detail.cachedFilesGB =
+        gigabytes(pages->external_page_count, pageSize) + gigabytes(pages->purgeable_count, pageSize);
 
     const double now = wallClock_.CFAbsoluteTimeGetCurrent();
     const double dt = now - lastMemorySampleTime_;

@@ -17,16 +17,16 @@ class MemoryReader {
     MemoryReader(HostPort& hostPort, Sysctl& sysctl, ProcessInfo& processInfo, const WallClock& wallClock)
         : hostPort_(hostPort), sysctl_(sysctl), processInfo_(processInfo), wallClock_(wallClock) {}
 
-    // Read on every tick. `total` is always right; the rest is 0 where the page counts can't be read, and `swap`
-    // alone where the swap can't.
+    // Read on every tick. `total` is always right; the rest is 0 where the page counts can't be read, and
+    // `swap` alone where the swap can't.
     MemoryBasics readMemoryBasics(TickToken tick);
 
     // 1 normal, 2 warning, 4 critical, unchanged from the kernel; 1 where it can't be read.
     std::int64_t readMemoryPressure(TickToken tick);
 
-    // All zeros on a failed read, which leaves the baseline of the rates as it was. The rates are over the time
-    // since the last good read; 0 where there was none, where it is 5 seconds or more ago, and where the clock
-    // stepped back.
+    // All zeros on a failed read, which leaves the baseline of the rates as it was. The rates are over the
+    // time since the last good read; 0 where there was none, where it is 5 seconds or more ago, and where the
+    // clock stepped back.
     MemoryDetail readMemoryDetail(TickToken tick);
 
  private:

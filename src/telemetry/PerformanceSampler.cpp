@@ -9,7 +9,9 @@ namespace {
 constexpr double kCriticalCPUPercent = 85.0;
 constexpr std::int64_t kCriticalMemoryPressure = 4;
 
-ComponentState stateOf(bool isCritical) { return isCritical ? ComponentState::critical : ComponentState::normal; }
+ComponentState stateOf(bool isCritical) {
+    return isCritical ? ComponentState::critical : ComponentState::normal;
+}
 
 // The history with one more point, the oldest one gone where it was full.
 std::shared_ptr<const PerformanceSampler::History> appended(const PerformanceSampler::History& history,
@@ -47,7 +49,9 @@ void PerformanceSampler::start() {
     timer_ = queue_->every(std::chrono::seconds(1), [this] { tick(); });
 }
 
-void PerformanceSampler::stop() { timer_.reset(); }
+void PerformanceSampler::stop() {
+    timer_.reset();
+}
 
 void PerformanceSampler::setUIVisible(bool value) {
     const bool wasVisible = isUIVisible_.get();
@@ -105,10 +109,11 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
     CoreUsageReading cores = cpuReader_.readCoreUsage(token);
     const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
 
-    // Built on the history as published: while the last tick's publication is still on its way, the older one.
-    auto history = appended(*cpuHistory_.get(), {.performance = cores.performanceUsage,
-                                                 .efficiency = cores.efficiencyUsage,
-                                                 .total = light.cpu});
+    // Built on the history as published: while the last tick's publication is still on its way, the older
+    // one.
+    auto history = appended(
+        *cpuHistory_.get(),
+        {.performance = cores.performanceUsage, .efficiency = cores.efficiencyUsage, .total = light.cpu});
 
     auto snapshot = std::make_shared<const SystemSnapshot>(SystemSnapshot{
         .isAppleSilicon = cpuReader_.isAppleSilicon(),

@@ -6,10 +6,10 @@
 
 #include "platform/Platform.h"
 #include "platform/Published.h"
-#include "telemetry/CPUHistoryPoint.h"
-#include "telemetry/CPUReader.h"
 #include "telemetry/CachedBattery.h"
 #include "telemetry/ComponentState.h"
+#include "telemetry/CPUHistoryPoint.h"
+#include "telemetry/CPUReader.h"
 #include "telemetry/DiskSnapshot.h"
 #include "telemetry/ImpactState.h"
 #include "telemetry/MemoryReader.h"
@@ -24,9 +24,9 @@ namespace norvane {
 // Reads the machine once a second, conditions what it reads and publishes the result.
 //
 // A tick has two halves. The light half always runs: total CPU, memory, pressure, heat, the debounced states,
-// and what the panel's label shows. The full half runs only while the dashboard is on screen, and at once when
-// it opens: it reads everything else and publishes a whole `SystemSnapshot`. So a closed dashboard costs little
-// and an open one is live at a tick's notice.
+// and what the panel's label shows. The full half runs only while the dashboard is on screen, and at once
+// when it opens: it reads everything else and publishes a whole `SystemSnapshot`. So a closed dashboard costs
+// little and an open one is live at a tick's notice.
 //
 // The private state belongs to the tick, which runs on a serial queue of its own: two ticks never overlap.
 // Published values are written on the main thread alone.

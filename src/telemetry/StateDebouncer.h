@@ -7,8 +7,9 @@
 
 namespace norvane {
 
-// Lets a state change through only after it has held for a time: 5 seconds for a worsening, 10 for a recovery,
-// however many steps it spans. A state that returns to the stable one in between starts from nothing.
+// Lets a state change through only after it has held for a time: 5 seconds for a worsening, 10 for a
+// recovery, however many steps it spans. A state that returns to the stable one in between starts from
+// nothing.
 template <typename State>
 class StateDebouncer {
  public:

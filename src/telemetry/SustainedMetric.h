@@ -10,7 +10,9 @@ namespace norvane {
 template <typename Sample>
 class SustainedMetric {
  public:
-    explicit SustainedMetric(std::size_t maxSamples) : maxSamples_(maxSamples) { window_.reserve(maxSamples + 1); }
+    explicit SustainedMetric(std::size_t maxSamples) : maxSamples_(maxSamples) {
+        window_.reserve(maxSamples + 1);
+    }
 
     // Of more than `maxSamples` samples the oldest goes.
     void append(Sample sample) {
@@ -21,7 +23,8 @@ class SustainedMetric {
 
     // Undefined (not a number) for an empty window.
     Sample mean() const {
-        return std::accumulate(window_.begin(), window_.end(), Sample{}) / static_cast<Sample>(window_.size());
+        return std::accumulate(window_.begin(), window_.end(), Sample{}) /
+               static_cast<Sample>(window_.size());
     }
 
     // Oldest first.

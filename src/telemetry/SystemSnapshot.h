@@ -14,13 +14,13 @@
 namespace norvane {
 
 // A complete picture of the machine at one moment: the one record that dashboard, insight and alerts read.
-// Everything derived is decided once, in the tick, so that all readers agree. It is built whole (no field has a
-// default, and leaving one out is a warning) and handed on as a pointer to an immutable value. There is no empty
-// snapshot: before the first one there is none.
+// Everything derived is decided once, in the tick, so that all readers agree. It is built whole (no field has
+// a default, and leaving one out is a warning) and handed on as a pointer to an immutable value. There is no
+// empty snapshot: before the first one there is none.
 //
-// Percentages run from 0 to 100. `GB` is 2^30 bytes for memory and 10^9 bytes for disks, `MBps` is 2^20 bytes a
-// second, temperatures are degrees Celsius. A reading that failed or was not taken is 0, false or absent unless
-// the field says otherwise.
+// Percentages run from 0 to 100. `GB` is 2^30 bytes for memory and 10^9 bytes for disks, `MBps` is 2^20 bytes
+// a second, temperatures are degrees Celsius. A reading that failed or was not taken is 0, false or absent
+// unless the field says otherwise.
 struct SystemSnapshot {
     bool isAppleSilicon;
     // When this snapshot was assembled.

@@ -11,7 +11,8 @@ namespace norvane {
 enum class ThermalLevel { nominal, fair, serious, critical };
 
 template <>
-inline constexpr std::array<std::string_view, 4> kRawTexts<ThermalLevel>{"nominal", "fair", "serious", "critical"};
+inline constexpr std::array<std::string_view, 4> kRawTexts<ThermalLevel>{"nominal", "fair", "serious",
+                                                                         "critical"};
 
 // The level for the operating system's thermal state, 0 to 3; anything else is nominal.
 constexpr ThermalLevel thermalLevelOf(int thermalState) {

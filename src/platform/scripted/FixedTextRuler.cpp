@@ -7,7 +7,9 @@
 namespace norvane {
 namespace {
 
-bool startsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
+bool startsCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+}
 
 // Breaks text into lines of at most `most` characters, at blanks where there are any.
 class Wrapping {
@@ -54,7 +56,8 @@ TextMetrics FixedTextRuler::measure(std::string_view text, const TextStyle& styl
     const double character = style.font.size * (style.font.weight == FontWeight::bold ? 0.7 : 0.6);
     const double most = std::max(1.0, std::floor(maxWidth / character + 1e-9));
     Wrapping wrapping(most);
-    for (const char byte : text) wrapping.add(byte);
+    for (const char byte : text)
+        wrapping.add(byte);
     wrapping.finish();
     const double lineHeight = style.font.size * 1.25;
     return {.size = {static_cast<double>(wrapping.widest()) * character,

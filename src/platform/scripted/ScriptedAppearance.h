@@ -9,7 +9,9 @@ namespace norvane {
 class ScriptedAppearance final : public Appearance {
  public:
     bool isDark() const override { return dark_; }
-    Cancellation onDidChange(std::function<void()> observer) override { return changed_.add(std::move(observer)); }
+    Cancellation onDidChange(std::function<void()> observer) override {
+        return changed_.add(std::move(observer));
+    }
 
     void setDark(bool dark) {
         dark_ = dark;

@@ -37,8 +37,8 @@ class ScriptedHostPort final : public HostPort {
     ScriptedProcessors processors;
     ScriptedAnswer<std::optional<HostCPULoadInfo>> statistics{std::nullopt};
     ScriptedAnswer<std::optional<ProcessorInfo>> processorInfo{std::nullopt};
-    ScriptedAnswer<std::optional<VMStatistics64>> statistics64{VMStatistics64{
-        .wire_count = 262'144, .active_count = 786'432, .external_page_count = 524'288}};
+    ScriptedAnswer<std::optional<VMStatistics64>> statistics64{
+        VMStatistics64{.wire_count = 262'144, .active_count = 786'432, .external_page_count = 524'288}};
     ScriptedAnswer<std::uint64_t> pageSize{4096};
     // How often the swap counters were wanted.
     std::uint64_t swapCountersAsked = 0;

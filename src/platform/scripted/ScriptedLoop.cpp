@@ -42,7 +42,8 @@ std::shared_ptr<ScriptedLoop::Timer> ScriptedLoop::schedule(const std::shared_pt
     return timer;
 }
 
-void ScriptedLoop::scheduleOnce(const std::shared_ptr<Queue>& queue, std::chrono::nanoseconds delay, Task task) {
+void ScriptedLoop::scheduleOnce(const std::shared_ptr<Queue>& queue, std::chrono::nanoseconds delay,
+                                Task task) {
     auto timer = makeTimer(queue, std::nullopt, std::move(task));
     firings_.emplace(time_.monotonic() + delay, Firing{timer, timer});
 }
@@ -67,7 +68,9 @@ bool ScriptedLoop::runNext() {
     return true;
 }
 
-void ScriptedLoop::runReady() { advance(std::chrono::nanoseconds::zero()); }
+void ScriptedLoop::runReady() {
+    advance(std::chrono::nanoseconds::zero());
+}
 
 void ScriptedLoop::fire(const Firing& firing, MonotonicInstant deadline) {
     const auto timer = firing.timer.lock();
@@ -106,8 +109,9 @@ void ScriptedLoop::advance(std::chrono::nanoseconds by) {
         fire(firing, deadline);
     }
     if (target > time_.monotonic()) time_.pass(target - time_.monotonic());
-    queues_.erase(std::remove_if(queues_.begin(), queues_.end(), [](const auto& queue) { return queue.expired(); }),
-                  queues_.end());
+    queues_.erase(
+        std::remove_if(queues_.begin(), queues_.end(), [](const auto& queue) { return queue.expired(); }),
+        queues_.end());
 }
 
 }  // namespace norvane

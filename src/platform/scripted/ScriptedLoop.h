@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "platform/MonotonicInstant.h"
-#include "platform/Task.h"
 #include "platform/scripted/ScriptedTime.h"
+#include "platform/Task.h"
 
 namespace norvane {
 

@@ -18,8 +18,8 @@
 
 namespace norvane {
 
-// A machine that does what a test says, in virtual time and on one thread: the same script gives the same run,
-// and a day passes in a second. It stands behind every port and remembers what it was asked.
+// A machine that does what a test says, in virtual time and on one thread: the same script gives the same
+// run, and a day passes in a second. It stands behind every port and remembers what it was asked.
 class ScriptedMachine {
  public:
     Platform platform() {

@@ -7,7 +7,8 @@ namespace norvane {
 // A window of the scripted desktop, with all that a test wants to see of it.
 class ScriptedPopoverWindow final : public PopoverWindow {
  public:
-    ScriptedPopoverWindow(ScriptedWindowServer& server, SurfaceContent& content, PopoverWindowObserver& observer)
+    ScriptedPopoverWindow(ScriptedWindowServer& server, SurfaceContent& content,
+                          PopoverWindowObserver& observer)
         : server_(server), content_(content), observer_(observer) {}
     ~ScriptedPopoverWindow() override { orderOut(); }
 

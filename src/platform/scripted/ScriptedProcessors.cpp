@@ -7,7 +7,9 @@ namespace {
 
 constexpr double kTicksPerSecond = 100;
 
-std::uint32_t wrapped(double ticks) { return static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::llround(ticks))); }
+std::uint32_t wrapped(double ticks) {
+    return static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::llround(ticks)));
+}
 
 }  // namespace
 
@@ -16,7 +18,8 @@ ScriptedProcessors::ScriptedProcessors(const ScriptedTime& time, std::size_t cou
 
 void ScriptedProcessors::setLoad(double percent) {
     catchUp();
-    for (Processor& processor : processors_) processor.loadPercent = percent;
+    for (Processor& processor : processors_)
+        processor.loadPercent = percent;
 }
 
 void ScriptedProcessors::setLoad(std::size_t processor, double percent) {
@@ -44,7 +47,8 @@ ProcessorInfo ScriptedProcessors::each() {
     catchUp();
     ProcessorInfo info{.processorCount = processors_.size(), .ticks = {}};
     for (const Processor& processor : processors_) {
-        for (const std::uint32_t ticks : {wrapped(processor.busyTicks), 0U, wrapped(processor.idleTicks), 0U}) {
+        for (const std::uint32_t ticks :
+             {wrapped(processor.busyTicks), 0U, wrapped(processor.idleTicks), 0U}) {
             info.ticks.push_back(static_cast<std::int32_t>(ticks));
         }
     }

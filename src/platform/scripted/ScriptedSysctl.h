@@ -3,8 +3,8 @@
 #include <map>
 #include <string>
 
-#include "platform/Sysctl.h"
 #include "platform/scripted/ScriptedAnswer.h"
+#include "platform/Sysctl.h"
 
 namespace norvane {
 
@@ -17,7 +17,9 @@ class ScriptedSysctl final : public Sysctl {
         text(SysctlText::machdep_cpu_brand_string).always("Scripted Processor");
     }
 
-    std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken) override { return number(name).ask(); }
+    std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken) override {
+        return number(name).ask();
+    }
     std::optional<std::string> sysctlbyname(SysctlText name) override { return text(name).ask(); }
     std::optional<XswUsage> sysctlbyname_vm_swapusage(TickToken) override { return swapUsage.ask(); }
 

@@ -10,7 +10,8 @@
 
 namespace norvane {
 
-// A defaults store in memory that remembers what was written. It is not locked: everything runs on one thread.
+// A defaults store in memory that remembers what was written. It is not locked: everything runs on one
+// thread.
 class ScriptedUserDefaults final : public UserDefaults {
  public:
     std::optional<DefaultsValue> objectForKey(std::string_view key) const override {
@@ -28,7 +29,9 @@ class ScriptedUserDefaults final : public UserDefaults {
         values_.erase(found);
         changed_.tell();
     }
-    Cancellation onDidChange(std::function<void()> observer) override { return changed_.add(std::move(observer)); }
+    Cancellation onDidChange(std::function<void()> observer) override {
+        return changed_.add(std::move(observer));
+    }
 
     // Another program writes the key: observers are told, nothing is remembered.
     void changeFromOutside(std::string_view key, DefaultsValue value) {

@@ -47,7 +47,8 @@ void ScriptedWindowServer::click(Point at) {
     }
     if (hit == nullptr) {
         const auto windows = shown_;  // a window may leave when it hears of the press
-        for (ScriptedPopoverWindow* window : windows) window->observer().windowPressedOutside();
+        for (ScriptedPopoverWindow* window : windows)
+            window->observer().windowPressedOutside();
         return;
     }
     const Point inside{at.x - hit->frame().minX(), at.y - hit->frame().minY()};

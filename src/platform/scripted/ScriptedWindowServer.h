@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/WindowServer.h"
 #include "platform/scripted/ScriptedTime.h"
+#include "platform/WindowServer.h"
 
 namespace norvane {
 

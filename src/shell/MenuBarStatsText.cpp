@@ -1,0 +1,19 @@
+#include "shell/MenuBarStatsText.h"
+
+#include "platform/Decimal.h"
+
+namespace norvane {
+
+std::string menuBarCPUText(double cpuPercent) {
+    return decimal(cpuPercent, 0) + "%";
+}
+
+std::string menuBarRAMText(double ramUsedGB, double ramTotalGB) {
+    constexpr double kTerabyteInGB = 1024.0;
+    // The machine's size decides the unit, so that it never changes; the value before rounding the digits.
+    if (ramTotalGB >= kTerabyteInGB) return decimal(ramUsedGB / kTerabyteInGB, 1) + "T";
+    if (ramUsedGB >= 10.0) return decimal(ramUsedGB, 0) + "G";
+    return decimal(ramUsedGB, 1) + "G";
+}
+
+}  // namespace norvane

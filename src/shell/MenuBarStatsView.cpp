@@ -1,0 +1,45 @@
+#include "shell/MenuBarStatsView.h"
+
+#include <string>
+#include <utility>
+
+#include "shell/MenuBarStatsText.h"
+#include "views/Stack.h"
+#include "views/Text.h"
+
+namespace norvane {
+namespace {
+
+Element column(const std::string& value, const std::string& label) {
+    const TextStyle valueStyle{.font = {.size = 11,
+                                        .weight = FontWeight::bold,
+                                        .design = FontDesign::monospaced,
+                                        .monospacedDigits = true}};
+    const TextStyle labelStyle{.font = {.size = 8, .weight = FontWeight::semibold}};
+    return vstack({},                                        //
+                  text(value, valueStyle, Ink::labelColor),  //
+                  text(label, labelStyle, Ink::secondaryLabelColor))
+        .frame({.minWidth = 22})
+        .accessible(AccessibleRole::text, label, value);
+}
+
+}  // namespace
+
+Element MenuBarStatsView::body() const {
+    // The item keeps its width whatever the digits: a row that is wider is narrowed, never cropped.
+    return hstack({.spacing = 4},                                          //
+                  column(menuBarCPUText(model_.cpuPercent.get()), "CPU"),  //
+                  column(menuBarRAMText(model_.ramUsedGB.get(), model_.ramTotalGB.get()), "RAM"))
+        .padding(Insets::horizontal(3))
+        .condensedToFit()
+        .frame({.maxWidth = Proposal::kMost, .maxHeight = Proposal::kMost});
+}
+
+void MenuBarStatsView::observe(const std::function<void()>& onChange) {
+    const auto changed = [onChange](double) { onChange(); };
+    cpuPercent_ = model_.cpuPercent.observe(changed);
+    ramUsedGB_ = model_.ramUsedGB.observe(changed);
+    ramTotalGB_ = model_.ramTotalGB.observe(changed);
+}
+
+}  // namespace norvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Appearance.h"
+#include "shell/MenuBarStatsView.h"
+#include "views/HostedView.h"
+
+namespace norvane {
+
+// Puts the label on the status item's button without taking the button's clicks: nothing in it is ever the
+// target of the pointer, and its background is clear.
+class PassthroughHostingView final : public HostedView {
+ public:
+    PassthroughHostingView(const MenuBarStatsModel& model, TextRuler& ruler, Appearance& appearance)
+        : HostedView([this] { return rootView_.body(); }, ruler, appearance), rootView_(model) {
+        rootView_.observe([this] { invalidate(); });
+    }
+
+    void pointer(const PointerEvent&) override {}
+    bool key(const KeyEvent&) override { return false; }
+
+ private:
+    MenuBarStatsView rootView_;
+};
+
+}  // namespace norvane

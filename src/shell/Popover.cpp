@@ -1,0 +1,58 @@
+#include "shell/Popover.h"
+
+namespace norvane {
+namespace {
+
+// Between the anchor and the window, in points.
+constexpr double kGap = 6;
+
+}  // namespace
+
+Popover::~Popover() {
+    if (isShown_) window_->orderOut();
+}
+
+void Popover::showBelow(const Rect& anchor) {
+    if (isShown_) {
+        window_->orderFront();
+        return;
+    }
+    if (delegate_ != nullptr) delegate_->popoverWillShow(*this);
+    if (!window_) window_ = windowServer_.makePopoverWindow(content_, *this);
+    isShown_ = true;
+    showing_ = std::make_shared<const int>();
+    window_->place({anchor.midX() - content_.fittingSize().width / 2, anchor.maxY() + kGap});
+    bringUpAfterThisTurn();
+}
+
+void Popover::bringUpAfterThisTurn() {
+    // The first task waits for what was enqueued with this showing, the second for what that turn enqueues
+    // next to it: whoever enqueues a move right after showing has moved the window before it is seen.
+    mainQueue_.async([this, showing = std::weak_ptr(showing_)] {
+        if (showing.expired()) return;
+        mainQueue_.async([this, showing] {
+            if (!showing.expired()) window_->orderFront();
+        });
+    });
+}
+
+void Popover::performClose() {
+    if (!isShown_) return;
+    if (delegate_ != nullptr && !delegate_->popoverShouldClose(*this)) return;
+    isShown_ = false;
+    showing_.reset();
+    // The pointer is over nothing of it any more.
+    content_.pointer({PointerEvent::Kind::leave, {}});
+    window_->orderOut();
+    if (delegate_ != nullptr) delegate_->popoverDidClose(*this);
+}
+
+void Popover::windowPressedOutside() {
+    if (behavior_ != PopoverBehavior::applicationDefined) performClose();
+}
+
+void Popover::windowLostFocus() {
+    if (behavior_ == PopoverBehavior::transient) performClose();
+}
+
+}  // namespace norvane

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "views/Element.h"
+
+namespace norvane {
+
+// A thin line across the width.
+Element divider();
+
+}  // namespace norvane
