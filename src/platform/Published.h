@@ -21,7 +21,7 @@ class Published {
         return value_;
     }
 
-    // Main thread only.
+    // Main thread only. Not from an observer of the same value: later observers would hear the older value last.
     void set(Value value) {
         Value old = value;
         {

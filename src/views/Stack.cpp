@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <deque>
 #include <memory>
+#include <utility>
 
 #include "views/SceneBuilder.h"
 #include "views/StackLayout.h"
@@ -30,7 +32,7 @@ class StackNode final : public Node {
     }
 
     void place(TextRuler& ruler, const Rect& frame) override {
-        const std::vector<Size> all = sizes(ruler, {frame.size.width, frame.size.height});
+        const std::vector<Size>& all = sizes(ruler, {frame.size.width, frame.size.height});
         const double breadth = across(axis_, frame.size);
         double offset = 0;
         for (std::size_t i = 0; i < members_.size(); ++i) {
@@ -51,7 +53,16 @@ class StackNode final : public Node {
         return members_.empty() ? 0 : options_.spacing * static_cast<double>(members_.size() - 1);
     }
 
-    std::vector<Size> sizes(TextRuler& ruler, const Proposal& proposal) const {
+    // What each member takes of a proposal. Worked out once for each proposal: a stack in a stack would
+    // otherwise be asked again by every level above it, three times by each.
+    const std::vector<Size>& sizes(TextRuler& ruler, const Proposal& proposal) const {
+        for (const auto& [known, all] : known_) {
+            if (known == proposal) return all;
+        }
+        return known_.emplace_back(proposal, worked(ruler, proposal)).second;
+    }
+
+    std::vector<Size> worked(TextRuler& ruler, const Proposal& proposal) const {
         const auto room = along(axis_, proposal);
         const auto breadth = across(axis_, proposal);
         std::vector<std::optional<double>> lengths(members_.size());
@@ -78,6 +89,7 @@ class StackNode final : public Node {
     Axis axis_;
     StackOptions options_;
     std::vector<NodePointer> members_;
+    mutable std::deque<std::pair<Proposal, std::vector<Size>>> known_;
 };
 
 }  // namespace

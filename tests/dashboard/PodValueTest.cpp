@@ -1,0 +1,37 @@
+#include "dashboard/PodValue.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/scripted/ScriptedMachine.h"
+#include "telemetry/PerformanceSampler.h"
+
+namespace norvane {
+namespace {
+
+TEST(PodValue, FormatsWithFixedPlacesAndTellsLargeMachinesInTerabytes) {
+    ScriptedMachine machine;
+    const auto sampler = PerformanceSampler::create(machine.platform());
+    sampler->setUIVisible(true);
+    machine.settle();
+    SystemSnapshot snapshot = *sampler->snapshot().get();
+
+    EXPECT_EQ(cpuPodValue(nullptr), (PodValue{"0.00", "%"}));
+    EXPECT_EQ(memoryPodValue(nullptr), (PodValue{"0.00", "GB used"}));
+    snapshot.cpuUsagePercent = 7.125;
+    EXPECT_EQ(cpuPodValue(&snapshot), (PodValue{"7.12", "%"})) << "a tie goes to the even digit";
+    snapshot.cpuUsagePercent = 100;
+    EXPECT_EQ(cpuPodValue(&snapshot), (PodValue{"100.00", "%"}));
+    struct Case {
+        double used, total;
+        PodValue want;
+    };
+    for (const Case& c : {Case{11.23, 16, {"11.23", "GB used"}}, Case{512, 1023.9, {"512.00", "GB used"}},
+                          Case{512, 1024, {"0.50", "TB used"}}, Case{1536, 2000, {"1.50", "TB used"}}}) {
+        snapshot.usedMemoryGB = c.used;
+        snapshot.totalMemoryGB = c.total;
+        EXPECT_EQ(memoryPodValue(&snapshot), c.want);
+    }
+}
+
+}  // namespace
+}  // namespace norvane

@@ -1,0 +1,162 @@
+#include "drawing/Damage.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+
+namespace norvane {
+namespace {
+
+constexpr std::size_t kWidth = 32;
+constexpr std::size_t kHeight = 24;
+
+// A picture that knows what was painted where and in which order: each item mixes itself into the points that
+// it covers, so that any point painted wrongly, twice or too early has another value.
+class Picture {
+ public:
+    Picture() : points_(kWidth * kHeight, 0) {}
+
+    // Clears the area and paints the part of the list that lies in it.
+    void paint(const DisplayList& list, const Rect& area) {
+        for (std::size_t y = 0; y < kHeight; ++y) {
+            for (std::size_t x = 0; x < kWidth; ++x) {
+                const Point middle{static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5};
+                if (area.contains(middle)) points_[y * kWidth + x] = mixed(list, middle);
+            }
+        }
+    }
+
+    bool operator==(const Picture&) const = default;
+
+ private:
+    static std::uint64_t mixed(const DisplayList& list, Point point) {
+        std::uint64_t value = 1;
+        for (const DisplayItem& item : list.items) {
+            if (!item.bounds.contains(point)) continue;
+            const Color& color = std::get<FillShape>(item.command).color;
+            value = value * 1'000'003 + static_cast<std::uint64_t>(color.red * 255) + 1;
+        }
+        return value;
+    }
+
+    std::vector<std::uint64_t> points_;
+};
+
+DisplayItem item(std::string key, Rect bounds, int shade = 0) {
+    return {std::move(key), bounds, FillShape{{bounds, 0}, {shade / 255.0, 0, 0, 1}}};
+}
+
+DisplayList listOf(std::vector<DisplayItem> items) {
+    return {{kWidth, kHeight}, std::move(items)};
+}
+
+// Some of ten items in any order, where their edges may lie between points and outside of the frame.
+DisplayList randomList(std::mt19937& random) {
+    const auto upTo = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
+    std::vector<DisplayItem> items;
+    for (int i = 0; i < 10; ++i) {
+        if (upTo(3) == 0) continue;
+        const Rect bounds{{upTo(160) / 4.0 - 4, upTo(120) / 4.0 - 4}, {upTo(60) / 4.0, upTo(40) / 4.0}};
+        items.push_back(item("item " + std::to_string(i), bounds, upTo(2)));
+    }
+    std::shuffle(items.begin(), items.end(), random);
+    return listOf(std::move(items));
+}
+
+// The next frame of a list: most items stay, a few change, go, come or change their places.
+DisplayList laterThan(const DisplayList& list, std::mt19937& random) {
+    const auto upTo = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
+    DisplayList later = list;
+    const DisplayList others = randomList(random);
+    for (const DisplayItem& other : others.items) {
+        if (upTo(3) != 0) continue;
+        const auto old =
+            std::find_if(later.items.begin(), later.items.end(),
+                         [&](const DisplayItem& candidate) { return candidate.key == other.key; });
+        if (old == later.items.end()) {
+            later.items.push_back(other);
+        } else if (upTo(2) == 0) {
+            later.items.erase(old);
+        } else {
+            *old = other;
+        }
+    }
+    if (later.items.size() > 1 && upTo(2) == 0) {
+        const auto last = static_cast<int>(later.items.size()) - 1;
+        std::swap(later.items[static_cast<std::size_t>(upTo(last))],
+                  later.items[static_cast<std::size_t>(upTo(last))]);
+    }
+    return later;
+}
+
+TEST(Damage, IsAllThatHasToBePaintedAgain) {
+    const Rect everything{{}, {kWidth, kHeight}};
+    std::mt19937 random(20240229);
+    DisplayList before = randomList(random);
+    for (int frame = 0; frame < 2000; ++frame) {
+        const DisplayList after = frame % 50 == 0 ? randomList(random) : laterThan(before, random);
+        const std::vector<Rect> damage = damageBetween(before, after);
+
+        Picture repaired;
+        repaired.paint(before, everything);
+        for (const Rect& rect : damage) {
+            repaired.paint(after, rect);
+        }
+        Picture painted;
+        painted.paint(after, everything);
+        ASSERT_TRUE(repaired == painted) << "frame " << frame << ", before:\n"
+                                         << printed(before) << "after:\n"
+                                         << printed(after);
+
+        for (std::size_t i = 0; i < damage.size(); ++i) {
+            ASSERT_EQ(damage[i].intersection(everything), damage[i]) << "outside of the frame " << frame;
+            for (std::size_t j = 0; j < i; ++j) {
+                ASSERT_FALSE(damage[i].intersects(damage[j])) << "frame " << frame;
+            }
+        }
+        before = after;
+    }
+}
+
+TEST(Damage, IsNoMoreThanWhatChanged) {
+    const DisplayItem left = item("left", {{0, 0}, {4, 4}});
+    const DisplayItem right = item("right", {{10, 0}, {4, 4}});
+    const DisplayItem far = item("far", {{20, 20}, {4, 4}});
+    struct Case {
+        const char* name;
+        std::vector<DisplayItem> before, after;
+        std::vector<Rect> damage;
+    };
+    for (const Case& c : {
+             Case{"nothing changed", {left, right}, {left, right}, {}},
+             Case{"another colour", {left, right}, {left, item("right", right.bounds, 9)}, {right.bounds}},
+             Case{"one came", {left}, {left, far}, {far.bounds}},
+             Case{"one came in front of the others", {left, right}, {far, left, right}, {far.bounds}},
+             Case{"one went", {left, far, right}, {left, right}, {far.bounds}},
+             Case{"one moved away", {left}, {item("left", far.bounds)}, {far.bounds, left.bounds}},
+             Case{"one moved a little", {left}, {item("left", {{2, 1}, {4, 4}})}, {{{0, 0}, {6, 5}}}},
+             Case{"one outside of the frame came", {left}, {left, item("x", {{40, 0}, {4, 4}})}, {}},
+         }) {
+        EXPECT_EQ(damageBetween(listOf(c.before), listOf(c.after)), c.damage) << c.name;
+    }
+}
+
+TEST(Damage, JoinsWhatOverlapsEvenWhereOnlyTheWholeDoes) {
+    // The last touches a and b alone; the rectangle around the three reaches d as well.
+    const std::vector<DisplayItem> items = {item("a", {{0, 0}, {4, 4}}), item("b", {{8, 8}, {4, 4}}),
+                                            item("d", {{9, 0}, {2, 2}}), item("c", {{3, 3}, {6, 6}})};
+    EXPECT_EQ(damageBetween(listOf({}), listOf(items)), (std::vector<Rect>{{{0, 0}, {12, 12}}}));
+}
+
+TEST(Damage, IsEverythingAfterAChangeOfSize) {
+    const DisplayItem same = item("same", {{0, 0}, {4, 4}});
+    const DisplayList small{{10, 10}, {same}};
+    const DisplayList large{{20, 10}, {same}};
+    EXPECT_EQ(damageBetween(small, large), (std::vector<Rect>{{{0, 0}, {20, 10}}}));
+    EXPECT_EQ(damageBetween(large, DisplayList{}), std::vector<Rect>{});
+}
+
+}  // namespace
+}  // namespace norvane

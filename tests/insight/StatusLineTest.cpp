@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "insight/SteadyStatusLine.h"
+#include "insight/SystemStatusText.h"
+#include "platform/scripted/ScriptedMachine.h"
+#include "telemetry/PerformanceSampler.h"
+
+namespace norvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A snapshot of a healthy machine, as its sampler makes it.
+SystemSnapshot healthySnapshot() {
+    ScriptedMachine machine;
+    const auto sampler = PerformanceSampler::create(machine.platform());
+    sampler->setUIVisible(true);
+    machine.settle();
+    return *sampler->snapshot().get();
+}
+
+// The verdict by its own statement: each condition with its sentence, the earlier one winning.
+TEST(SystemStatusText, NamesTheMostSeriousThingFirstInEveryCombination) {
+    const SystemSnapshot healthy = healthySnapshot();
+    for (unsigned bits = 0; bits < 128; ++bits) {
+        const bool serious = (bits & 1) != 0, hot = (bits & 2) != 0, lowBattery = (bits & 4) != 0;
+        const bool exhausted = (bits & 8) != 0, critical = (bits & 16) != 0, gpu = (bits & 32) != 0;
+        const bool lowPower = (bits & 64) != 0;
+        SystemSnapshot now = healthy;
+        now.thermalLevel = hot       ? ThermalLevel::critical
+                           : serious ? ThermalLevel::serious
+                                     : ThermalLevel::fair;
+        now.isOnBattery = lowBattery;
+        now.batteryPercentage = 15;
+        now.memoryPressure = exhausted ? 4 : 2;
+        now.isGPUSaturated = gpu;
+
+        std::vector<std::string> holding;
+        if (serious && !hot) {
+            holding.emplace_back(
+                "System temperature is elevated. Performance may be reduced to manage heat.");
+        }
+        if (hot)
+            holding.emplace_back(
+                "Thermal limit reached. Performance is being throttled to protect hardware.");
+        if (lowBattery)
+            holding.emplace_back("Battery is running low. Connect to power to avoid interruption.");
+        if (exhausted) {
+            holding.emplace_back(
+                "Critical memory exhaustion. System responsiveness is severely compromised.");
+        }
+        if (critical && gpu) {
+            holding.emplace_back(
+                "Critical resource saturation. Compute and Graphics are at maximum capacity.");
+        }
+        if (critical)
+            holding.emplace_back("Critical processor load. Every available cycle is currently utilized.");
+        if (lowPower) holding.emplace_back("Low Power Mode is active. Conserving energy for extended use.");
+        holding.emplace_back("System is operating optimally within comfortable parameters.");
+
+        const auto state = critical ? ComponentState::critical : ComponentState::normal;
+        EXPECT_EQ(systemStatusText(&now, state, lowPower), holding.front()) << "combination " << bits;
+        EXPECT_EQ(systemStatusText(nullptr, state, lowPower), "Initializing system telemetry...");
+    }
+}
+
+TEST(SystemStatusText, CallsABatteryLowAtFifteenPercentOnBatteryOnly) {
+    SystemSnapshot now = healthySnapshot();
+    const auto isLow = [&](bool onBattery, std::int64_t percentage) {
+        now.isOnBattery = onBattery;
+        now.batteryPercentage = percentage;
+        return systemStatusText(&now, ComponentState::normal, false).substr(0, 7) == "Battery";
+    };
+    EXPECT_TRUE(isLow(true, 15));
+    EXPECT_FALSE(isLow(true, 16));
+    EXPECT_FALSE(isLow(false, 5));
+}
+
+class SteadyStatusLineTest : public testing::Test {
+ protected:
+    ScriptedMachine machine_;
+    int changes_ = 0;
+    SteadyStatusLine line_{machine_.dispatch.mainQueue(), [this] { ++changes_; }};
+};
+
+TEST_F(SteadyStatusLineTest, LetsAVerdictThroughThatHasHeldForThreeSeconds) {
+    line_.open("A");
+    EXPECT_EQ(line_.stableStatusText(), "A");
+    line_.observe("B");
+    machine_.advance(2s);
+    line_.observe("B");  // the same verdict at another evaluation restarts nothing
+    machine_.advance(999ms);
+    EXPECT_EQ(line_.stableStatusText(), "A");
+    machine_.advance(1ms);
+    EXPECT_EQ(line_.stableStatusText(), "B");
+    EXPECT_EQ(changes_, 1);
+}
+
+TEST_F(SteadyStatusLineTest, RestartsTheWaitWithEachChange) {
+    line_.open("A");
+    line_.observe("B");
+    machine_.advance(2s);
+    line_.observe("C");
+    machine_.advance(2900ms);
+    EXPECT_EQ(line_.stableStatusText(), "A");
+    machine_.advance(100ms);
+    EXPECT_EQ(line_.stableStatusText(), "C");
+
+    line_.observe("D");
+    machine_.advance(1s);
+    line_.observe("C");  // gone and back
+    machine_.advance(10s);
+    EXPECT_EQ(line_.stableStatusText(), "C");
+    EXPECT_EQ(changes_, 1) << "writing what is there is no change";
+
+    for (int i = 0; i < 20; ++i) {
+        line_.observe(i % 2 == 0 ? "E" : "F");
+        machine_.advance(2s);
+        EXPECT_EQ(line_.stableStatusText(), "C") << "a flickering verdict never shows";
+    }
+}
+
+TEST_F(SteadyStatusLineTest, AnOpeningForgetsWhatWasWaitedForBefore) {
+    line_.open("A");
+    line_.observe("B");
+    machine_.advance(2s);
+    line_.open("C");
+    machine_.advance(10s);
+    EXPECT_EQ(line_.stableStatusText(), "C");
+    line_.observe("B");  // seen before the opening, but new to this one
+    machine_.advance(3s);
+    EXPECT_EQ(line_.stableStatusText(), "B");
+}
+
+}  // namespace
+}  // namespace norvane

@@ -1,0 +1,322 @@
+#include "telemetry/PerformanceSampler.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/scripted/ScriptedMachine.h"
+
+namespace norvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+class PerformanceSamplerTest : public testing::Test {
+ protected:
+    // How often each source has been asked.
+    struct Reads {
+        std::uint64_t cpu, memory, swapCounters, swap, pressure, thermal, cores, uptime;
+        bool operator==(const Reads&) const = default;
+        friend std::ostream& operator<<(std::ostream& out, const Reads& r) {
+            return out << r.cpu << " cpu, " << r.memory << " memory, " << r.swapCounters << " swap counters, "
+                       << r.swap << " swap, " << r.pressure << " pressure, " << r.thermal << " thermal, "
+                       << r.cores << " cores, " << r.uptime << " uptime";
+        }
+    };
+    Reads reads() {
+        return {machine_.hostPort.statistics.asked(),
+                machine_.hostPort.statistics64.asked(),
+                machine_.hostPort.swapCountersAsked,
+                machine_.sysctl.swapUsage.asked(),
+                machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).asked(),
+                machine_.processInfo.thermal.asked(),
+                machine_.hostPort.processorInfo.asked(),
+                machine_.processInfo.uptime.asked()};
+    }
+    // What the cadence makes of so many ticks, of which so many were full: a full tick reads the memory
+    // twice, and the swap in use with the first of them only.
+    static Reads readsOf(std::uint64_t ticks, std::uint64_t full) {
+        return {ticks, ticks + full, full, ticks, ticks, ticks, full, full};
+    }
+    std::uint64_t ticks() { return machine_.hostPort.statistics.asked(); }
+    ScriptedLoop::Queue& queue() { return *machine_.dispatch.serialLoopQueue("Norvane.sampler"); }
+
+    ScriptedMachine machine_;
+    std::shared_ptr<PerformanceSampler> sampler_ = PerformanceSampler::create(machine_.platform());
+};
+
+TEST_F(PerformanceSamplerTest, BeginsWithNothingPublished) {
+    EXPECT_EQ(sampler_->snapshot().get(), nullptr);
+    EXPECT_TRUE(sampler_->volumes().get()->empty());
+    EXPECT_TRUE(sampler_->cpuHistory().get()->empty());
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::normal);
+    EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{0, 0, 1.0}));
+    EXPECT_FALSE(sampler_->isUIVisible().get());
+    machine_.advance(1min);
+    EXPECT_EQ(ticks(), 0U) << "nothing is read before the start";
+}
+
+TEST_F(PerformanceSamplerTest, HiddenRunsTheLightHalfOnceASecond) {
+    machine_.hostPort.processors.setLoad(25);
+    sampler_->start();
+    machine_.settle();
+    EXPECT_EQ(ticks(), 1U) << "the first tick comes at once";
+    EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{0, 4, 16})) << "a share needs two readings";
+    machine_.advance(59s);
+    EXPECT_EQ(reads(), readsOf(60, 0));
+    EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{25, 4, 16}));
+    EXPECT_EQ(sampler_->snapshot().get(), nullptr);
+    EXPECT_TRUE(sampler_->cpuHistory().get()->empty());
+}
+
+TEST_F(PerformanceSamplerTest, OpeningTicksAtOnceAndShowsAMovedTotal) {
+    sampler_->start();
+    machine_.advance(10s);
+    machine_.hostPort.processors.setLoad(50);
+    machine_.advance(100ms);
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    EXPECT_EQ(ticks(), 12U);
+    ASSERT_NE(sampler_->snapshot().get(), nullptr);
+    EXPECT_EQ(sampler_->snapshot().get()->cpuUsagePercent, 50);
+    std::vector<std::uint64_t> tokens;
+    for (const TickToken& token : machine_.hostPort.tokens)
+        tokens.push_back(token.value);
+    for (std::size_t i = 0; i < tokens.size(); ++i)
+        EXPECT_EQ(tokens[i], i + 1) << "each tick reads anew";
+}
+
+TEST_F(PerformanceSamplerTest, OnlyAChangeToVisibleForcesAndHidingTicksNothing) {
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    EXPECT_EQ(reads(), readsOf(1, 1));
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    EXPECT_EQ(reads(), readsOf(2, 2));
+    sampler_->setUIVisible(false);
+    machine_.settle();
+    EXPECT_EQ(reads(), readsOf(2, 2));
+
+    // Shown and hidden again before the queue comes to it: the forced tick is a full one all the same, and
+    // the next timer tick a light one.
+    queue().hold();
+    sampler_->start();
+    sampler_->setUIVisible(true);
+    sampler_->setUIVisible(false);
+    machine_.settle();
+    queue().letGo();
+    machine_.settle();
+    EXPECT_EQ(reads(), readsOf(4, 3));
+    machine_.advance(1s);
+    EXPECT_EQ(reads(), readsOf(5, 3));
+}
+
+TEST_F(PerformanceSamplerTest, ASnapshotHasNeutralValuesForWhatFailed) {
+    machine_.hostPort.statistics.always(std::nullopt);
+    machine_.hostPort.statistics64.always(std::nullopt);
+    machine_.hostPort.processorInfo.always(std::nullopt);
+    machine_.sysctl.swapUsage.always(std::nullopt);
+    machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).always(std::nullopt);
+    machine_.processInfo.thermal.always(17);
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    const auto snapshot = sampler_->snapshot().get();
+    ASSERT_NE(snapshot, nullptr);
+    EXPECT_EQ(snapshot->cpuUsagePercent, 0);
+    EXPECT_EQ(snapshot->cpuSustained, 0);
+    EXPECT_TRUE(snapshot->performanceCoreUsages.empty());
+    EXPECT_EQ(snapshot->usedMemoryGB, 0);
+    EXPECT_EQ(snapshot->totalMemoryGB, 16);
+    EXPECT_EQ(snapshot->memoryPressure, 1);
+    EXPECT_EQ(snapshot->thermalLevel, ThermalLevel::nominal);
+    EXPECT_EQ(snapshot->uptime, 1000);
+    EXPECT_EQ(snapshot->timestamp, machine_.time.wall());
+    EXPECT_TRUE(snapshot->isOnBattery);
+    EXPECT_EQ(snapshot->batteryPercentage, 100);
+    EXPECT_EQ(snapshot->batteryTimeRemaining, "Estimating...");
+    EXPECT_FALSE(snapshot->isCharging);
+    EXPECT_TRUE(snapshot->hasBattery);
+    EXPECT_EQ(snapshot->energyImpact, ImpactState::low);
+}
+
+TEST_F(PerformanceSamplerTest, SpikesDoNotReachTheStatesAndLastingLoadsDo) {
+    auto& load = machine_.hostPort.processors;
+    sampler_->start();
+    machine_.advance(10s);
+    load.setLoad(100);
+    machine_.advance(4s);
+    load.setLoad(0);
+    machine_.advance(10s);
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::normal) << "four seconds were a spike";
+
+    load.setLoad(100);
+    machine_.advance(5s);  // five ticks at full load
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::normal);
+    machine_.advance(1s);
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::critical);
+    load.setLoad(0);
+    machine_.advance(10s);
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::critical);
+    machine_.advance(1s);
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::normal);
+
+    // Heat makes the system critical, and neither the processor nor the memory.
+    machine_.processInfo.thermal.always(2);
+    machine_.advance(6s);
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    EXPECT_EQ(sampler_->systemState().get(), ComponentState::critical);
+    EXPECT_EQ(sampler_->snapshot().get()->cpuState, ComponentState::normal);
+    EXPECT_EQ(sampler_->snapshot().get()->memoryState, ComponentState::normal);
+    EXPECT_EQ(sampler_->snapshot().get()->thermalLevel, ThermalLevel::serious);
+}
+
+TEST_F(PerformanceSamplerTest, ThresholdsAreInclusive) {
+    struct Case {
+        const char* name;
+        double load;
+        std::int64_t pressure;
+        ComponentState wantCPU, wantMemory;
+    };
+    constexpr auto N = ComponentState::normal;
+    constexpr auto C = ComponentState::critical;
+    for (const Case& c : {Case{"85 percent", 85, 1, C, N},
+                          {"84", 84, 1, N, N},
+                          {"pressure 4", 0, 4, N, C},
+                          {"pressure 2", 0, 2, N, N},
+                          {"pressure beyond", 0, 9, N, C}}) {
+        ScriptedMachine machine;
+        const auto sampler = PerformanceSampler::create(machine.platform());
+        machine.hostPort.processors.setLoad(c.load);
+        machine.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).always(c.pressure);
+        sampler->setUIVisible(true);
+        sampler->start();
+        machine.advance(10s);
+        EXPECT_EQ(sampler->snapshot().get()->cpuState, c.wantCPU) << c.name;
+        EXPECT_EQ(sampler->snapshot().get()->memoryState, c.wantMemory) << c.name;
+        EXPECT_EQ(sampler->snapshot().get()->memoryPressure, c.pressure) << c.name;
+    }
+}
+
+TEST_F(PerformanceSamplerTest, HistoryKeepsSixtyPointsAndGainsNothingWhileHidden) {
+    sampler_->start();
+    sampler_->setUIVisible(true);
+    machine_.advance(30s);
+    const auto young = sampler_->cpuHistory().get();
+    EXPECT_EQ(young->size(), 32U);
+    sampler_->setUIVisible(false);
+    machine_.advance(1min);
+    EXPECT_EQ(sampler_->cpuHistory().get(), young);
+    sampler_->setUIVisible(true);
+    machine_.hostPort.processors.setLoad(0, 100);
+    machine_.advance(100s);
+    const auto full = sampler_->cpuHistory().get();
+    ASSERT_EQ(full->size(), 60U);
+    EXPECT_EQ(full->back(), (CPUHistoryPoint{.performance = 25, .efficiency = 0, .total = 25}));
+    machine_.advance(1s);
+    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 60U);
+    EXPECT_EQ(sampler_->cpuHistory().get()->front(), (*full)[1]) << "the oldest has gone";
+}
+
+TEST_F(PerformanceSamplerTest, ATickThatOvertakesThePublicationBuildsOnTheOlderHistory) {
+    sampler_->start();
+    sampler_->setUIVisible(true);
+    machine_.advance(9s);
+    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 11U);
+    machine_.dispatch.mainLoopQueue().hold();
+    machine_.advance(3s);
+    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 11U) << "published values wait for the main thread";
+    machine_.dispatch.mainLoopQueue().letGo();
+    machine_.settle();
+    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 12U) << "each of the three built on the same";
+}
+
+TEST_F(PerformanceSamplerTest, PublishesTheStateBeforeTheStatsAndTheSnapshotAfterBoth) {
+    std::string order;
+    const auto state = sampler_->systemState().observe([&](auto) { order += 's'; });
+    const auto stats = sampler_->menuBarStats().observe([&](const auto&) { order += 'm'; });
+    const auto snapshot = sampler_->snapshot().observe([&](const auto&) { order += 'S'; });
+    const auto volumes = sampler_->volumes().observe([&](const auto&) { order += 'V'; });
+    const auto history = sampler_->cpuHistory().observe([&](const auto&) { order += 'H'; });
+    sampler_->setUIVisible(true);
+    machine_.settle();
+    EXPECT_EQ(order, "smSVH");
+}
+
+TEST_F(PerformanceSamplerTest, StopPausesAndStartGoesOn) {
+    sampler_->start();
+    sampler_->setUIVisible(true);
+    machine_.advance(10s);
+    sampler_->stop();
+    machine_.advance(10s);
+    const auto history = sampler_->cpuHistory().get();
+    EXPECT_EQ(ticks(), 12U);
+    sampler_->start();
+    machine_.settle();
+    EXPECT_EQ(sampler_->cpuHistory().get()->size(), history->size() + 1);
+    sampler_->start();  // anew, not twice
+    machine_.advance(10s);
+    EXPECT_EQ(ticks(), 24U);
+}
+
+TEST_F(PerformanceSamplerTest, ASuspendAndASteppedClockCostNoTicksAndAddNone) {
+    sampler_->start();
+    machine_.advance(10s);
+    EXPECT_EQ(ticks(), 11U);
+    machine_.suspend(8h);
+    EXPECT_EQ(ticks(), 11U) << "no burst after waking";
+    machine_.advance(1s);
+    EXPECT_EQ(ticks(), 12U);
+    machine_.time.stepWallClock(-24h);
+    machine_.advance(10s);
+    EXPECT_EQ(ticks(), 22U);
+    queue().hold();  // the process is stopped for a while
+    machine_.advance(30s);
+    queue().letGo();
+    machine_.settle();
+    EXPECT_EQ(ticks(), 23U) << "thirty missed firings are one tick";
+}
+
+TEST_F(PerformanceSamplerTest, EndsWithTasksOnTheirWay) {
+    sampler_->start();
+    sampler_->setUIVisible(true);
+    machine_.dispatch.mainLoopQueue().hold();
+    machine_.advance(3s);
+    sampler_.reset();
+    machine_.dispatch.mainLoopQueue().letGo();
+    const auto asked = ticks();
+    machine_.advance(1min);
+    EXPECT_EQ(ticks(), asked);
+}
+
+TEST_F(PerformanceSamplerTest, ADayWithRandomOpeningsKeepsToTheCadence) {
+    std::mt19937 random(20'260'101);
+    sampler_->start();
+    std::uint64_t full = 0;
+    std::uint64_t openings = 0;
+    std::size_t longestHistory = 0;
+    const auto history = sampler_->cpuHistory().observe(
+        [&](const auto& points) { longestHistory = std::max(longestHistory, points->size()); });
+    const auto snapshots = sampler_->snapshot().observe([&](const auto&) { ++full; });
+    const auto day = machine_.time.monotonic() + 24h - 1ms;  // the firing at the end belongs to the next day
+    while (machine_.time.monotonic() < day) {
+        const auto hidden = std::chrono::milliseconds(random() % 1'800'000);
+        const auto shown = std::chrono::milliseconds(random() % 120'000);
+        machine_.hostPort.processors.setLoad(static_cast<double>(random() % 101));
+        machine_.advance(std::min<std::chrono::nanoseconds>(hidden, day - machine_.time.monotonic()));
+        if (machine_.time.monotonic() >= day) break;
+        ++openings;
+        sampler_->setUIVisible(true);
+        machine_.advance(std::min<std::chrono::nanoseconds>(shown, day - machine_.time.monotonic()));
+        sampler_->setUIVisible(false);
+    }
+    EXPECT_GT(openings, 50U);
+    EXPECT_EQ(ticks(), 86'400 + openings);
+    EXPECT_EQ(reads(), readsOf(86'400 + openings, full));
+    EXPECT_EQ(longestHistory, 60U);
+}
+
+}  // namespace
+}  // namespace norvane
