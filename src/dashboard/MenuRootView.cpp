@@ -33,7 +33,8 @@ std::string_view MenuRootView::systemStatusText() const {
 }
 
 void MenuRootView::didChangeVisibility(bool isVisible) {
-    if (!isVisible) return;
+    const bool wasVisible = std::exchange(wasVisible_, isVisible);
+    if (!isVisible || wasVisible) return;
     status_.open(systemStatusText());
     hosted_.invalidate();
 }

@@ -19,6 +19,8 @@ class MenuRootView {
  public:
     // The platform outlives the view.
     MenuRootView(const Platform& platform, std::shared_ptr<PerformanceSampler> sampler);
+    MenuRootView(const MenuRootView&) = delete;
+    MenuRootView& operator=(const MenuRootView&) = delete;
 
     // The view as a popover shows it.
     SurfaceContent& content() { return hosted_; }
@@ -41,6 +43,7 @@ class MenuRootView {
     std::shared_ptr<PerformanceSampler> sampler_;
     SteadyStatusLine status_;
     bool quitHover_ = false;
+    bool wasVisible_ = false;
     HostedView hosted_;
     Cancellation visibilityChanges_;
     Cancellation snapshots_;

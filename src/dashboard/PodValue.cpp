@@ -1,14 +1,14 @@
 #include "dashboard/PodValue.h"
 
 #include "platform/Decimal.h"
+#include "telemetry/Units.h"
 
 namespace norvane {
 namespace {
 
-// Both in gigabytes. A whole of 1024 and more is told in terabytes, however little of it is used.
+// Both in gigabytes.
 PodValue usedOf(double used, double total, int places) {
-    constexpr double kTerabyteInGB = 1024.0;
-    if (total >= kTerabyteInGB) return {decimal(used / kTerabyteInGB, places), "TB used"};
+    if (total >= kGBPerTB) return {decimal(used / kGBPerTB, places), "TB used"};
     return {decimal(used, places), "GB used"};
 }
 

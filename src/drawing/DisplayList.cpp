@@ -3,6 +3,7 @@
 #include <iomanip>
 #include <locale>
 #include <sstream>
+#include <string_view>
 
 namespace norvane {
 namespace {
@@ -23,13 +24,15 @@ class Printer {
     }
     void operator()(const DrawText& text) {
         const Font& font = text.style.font;
-        out_ << "text \"" << text.text << "\" " << rect(text.frame) << " size " << font.size;
+        out_ << "text " << quoted(text.text) << ' ' << rect(text.frame) << " size " << font.size;
         if (font.weight == FontWeight::medium) out_ << " medium";
         if (font.weight == FontWeight::semibold) out_ << " semibold";
         if (font.weight == FontWeight::bold) out_ << " bold";
         if (font.design == FontDesign::monospaced) out_ << " monospaced";
         if (font.monospacedDigits) out_ << " tabular";
         if (text.style.lineSpacing != 0) out_ << " spacing " << text.style.lineSpacing;
+        if (text.style.alignment == TextAlignment::center) out_ << " centered";
+        if (text.style.alignment == TextAlignment::trailing) out_ << " trailing";
         if (text.condense != 1) out_ << " condensed " << text.condense;
         out_ << color(text.color);
     }
@@ -44,6 +47,15 @@ class Printer {
     }
 
  private:
+    // On one line, whatever the text holds.
+    static std::string quoted(std::string_view text) {
+        std::string quoted = "\"";
+        for (const char c : text) {
+            if (c == '"' || c == '\\') quoted += '\\';
+            quoted += c == '\n' ? std::string("\\n") : std::string(1, c);
+        }
+        return quoted + '"';
+    }
     std::string formatted(auto&&... parts) const {
         std::ostringstream text;
         text.imbue(std::locale::classic());

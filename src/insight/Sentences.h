@@ -2,10 +2,8 @@
 
 #include <string_view>
 
-namespace norvane {
-
 // Every sentence that the system says of the machine, in one place for whoever writes them.
-namespace sentences {
+namespace norvane::sentences {
 
 inline constexpr std::string_view kInitializing = "Initializing system telemetry...";
 inline constexpr std::string_view kTemperatureElevated =
@@ -24,6 +22,4 @@ inline constexpr std::string_view kLowPowerMode =
     "Low Power Mode is active. Conserving energy for extended use.";
 inline constexpr std::string_view kOptimal = "System is operating optimally within comfortable parameters.";
 
-}  // namespace sentences
-
-}  // namespace norvane
+}  // namespace norvane::sentences

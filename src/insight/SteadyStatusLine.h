@@ -16,6 +16,8 @@ class SteadyStatusLine {
     // `onChange` is called after the text on screen became another one by the wait's end. The queue outlives
     // this.
     SteadyStatusLine(MainQueue& mainQueue, std::function<void()> onChange);
+    SteadyStatusLine(const SteadyStatusLine&) = delete;
+    SteadyStatusLine& operator=(const SteadyStatusLine&) = delete;
 
     // The dashboard opens: shows `text` at once. What was waited for, or seen, before the closing is
     // forgotten.

@@ -1,6 +1,7 @@
 #include "insight/SystemStatusText.h"
 
 #include "insight/Sentences.h"
+#include "telemetry/MemoryPressure.h"
 
 namespace norvane {
 
@@ -8,7 +9,6 @@ std::string_view systemStatusText(const SystemSnapshot* snapshot, ComponentState
                                   bool isLowPowerModeEnabled) {
     // A fixed verdict, whatever threshold the user has set for alerts.
     constexpr std::int64_t kLowBatteryBelow = 16;
-    constexpr std::int64_t kCriticalPressure = 4;
 
     if (snapshot == nullptr) return sentences::kInitializing;
     const SystemSnapshot& now = *snapshot;
@@ -17,7 +17,7 @@ std::string_view systemStatusText(const SystemSnapshot* snapshot, ComponentState
     if (now.thermalLevel == ThermalLevel::serious) return sentences::kTemperatureElevated;
     if (now.thermalLevel == ThermalLevel::critical) return sentences::kThermalLimit;
     if (now.isOnBattery && now.batteryPercentage < kLowBatteryBelow) return sentences::kBatteryLow;
-    if (now.memoryPressure >= kCriticalPressure) return sentences::kMemoryExhausted;
+    if (now.memoryPressure >= kCriticalMemoryPressure) return sentences::kMemoryExhausted;
     // Heat and memory have been answered: what is left of a critical system is the processor.
     if (isCritical && now.isGPUSaturated) return sentences::kComputeAndGraphicsSaturated;
     if (isCritical) return sentences::kProcessorSaturated;

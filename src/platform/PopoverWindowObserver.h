@@ -7,7 +7,8 @@ class PopoverWindowObserver {
  public:
     virtual ~PopoverWindowObserver() = default;
 
-    // A button was pressed outside the window and outside the status item's button.
+    // A button was pressed outside of all windows of ours: not in this one, not in another popover, not on
+    // the status item, which has an action of its own.
     virtual void windowPressedOutside() = 0;
     // The keyboard went to a window of somebody else.
     virtual void windowLostFocus() = 0;

@@ -21,7 +21,8 @@ class Published {
         return value_;
     }
 
-    // Main thread only. Not from an observer of the same value: later observers would hear the older value last.
+    // Main thread only. Not from an observer of the same value: later observers would hear the older value
+    // last.
     void set(Value value) {
         Value old = value;
         {

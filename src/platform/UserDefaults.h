@@ -23,8 +23,8 @@ class UserDefaults {
     // Main thread only. Does nothing where the key is missing.
     virtual void removeObjectForKey(std::string_view key) = 0;
 
-    // `NSUserDefaultsDidChangeNotification`: told on the main thread after a write of this process, and after
-    // the store was changed from outside. Main thread only.
+    // `NSUserDefaultsDidChangeNotification`: told in a later turn of the main queue, once for all the writes
+    // of this process and the changes from outside up to then. Main thread only.
     [[nodiscard]] virtual Cancellation onDidChange(std::function<void()> observer) = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <locale>
 #include <sstream>
 #include <string_view>
@@ -45,8 +46,11 @@ std::optional<double> parsedNumber(const std::string& text) {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());  // whatever the user's locale makes of a point
     double number = 0;
-    if (!(stream >> number)) return std::nullopt;
-    return number;
+    stream >> number;
+    // The libraries differ in whether a number that is too small for a double is a failure; one that is too
+    // large always is, and becomes the largest.
+    const bool isTooLarge = stream.fail() && std::abs(number) == std::numeric_limits<double>::max();
+    return isTooLarge ? std::nullopt : std::optional(number);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "shell/MenuBarStatsText.h"
 
 #include "platform/Decimal.h"
+#include "telemetry/Units.h"
 
 namespace norvane {
 
@@ -9,9 +10,8 @@ std::string menuBarCPUText(double cpuPercent) {
 }
 
 std::string menuBarRAMText(double ramUsedGB, double ramTotalGB) {
-    constexpr double kTerabyteInGB = 1024.0;
     // The machine's size decides the unit, so that it never changes; the value before rounding the digits.
-    if (ramTotalGB >= kTerabyteInGB) return decimal(ramUsedGB / kTerabyteInGB, 1) + "T";
+    if (ramTotalGB >= kGBPerTB) return decimal(ramUsedGB / kGBPerTB, 1) + "T";
     if (ramUsedGB >= 10.0) return decimal(ramUsedGB, 0) + "G";
     return decimal(ramUsedGB, 1) + "G";
 }

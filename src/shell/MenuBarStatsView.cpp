@@ -26,17 +26,31 @@ Element column(const std::string& value, const std::string& label) {
 }  // namespace
 
 Element MenuBarStatsView::body() const {
+    const Texts now = texts();
     // The item keeps its width whatever the digits: a row that is wider is narrowed, never cropped.
-    return hstack({.spacing = 4},                                          //
-                  column(menuBarCPUText(model_.cpuPercent.get()), "CPU"),  //
-                  column(menuBarRAMText(model_.ramUsedGB.get(), model_.ramTotalGB.get()), "RAM"))
+    return hstack({.spacing = 4},          //
+                  column(now.cpu, "CPU"),  //
+                  column(now.ram, "RAM"))
         .padding(Insets::horizontal(3))
         .condensedToFit()
         .frame({.maxWidth = Proposal::kMost, .maxHeight = Proposal::kMost});
 }
 
-void MenuBarStatsView::observe(const std::function<void()>& onChange) {
-    const auto changed = [onChange](double) { onChange(); };
+MenuBarStatsView::Texts MenuBarStatsView::texts() const {
+    return {menuBarCPUText(model_.cpuPercent.get()),
+            menuBarRAMText(model_.ramUsedGB.get(), model_.ramTotalGB.get())};
+}
+
+void MenuBarStatsView::observe(std::function<void()> onChange) {
+    onChange_ = std::move(onChange);
+    told_ = texts();
+    // The values change with every tick, what can be read of them seldom.
+    const auto changed = [this](double) {
+        Texts now = texts();
+        if (now == told_) return;
+        told_ = std::move(now);
+        onChange_();
+    };
     cpuPercent_ = model_.cpuPercent.observe(changed);
     ramUsedGB_ = model_.ramUsedGB.observe(changed);
     ramTotalGB_ = model_.ramTotalGB.observe(changed);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "platform/Cancellation.h"
 #include "shell/MenuBarStatsModel.h"
@@ -13,13 +14,24 @@ class MenuBarStatsView {
  public:
     // The model outlives the view.
     explicit MenuBarStatsView(const MenuBarStatsModel& model) : model_(model) {}
+    MenuBarStatsView(const MenuBarStatsView&) = delete;
+    MenuBarStatsView& operator=(const MenuBarStatsView&) = delete;
 
     Element body() const;
-    // Told whenever the body would be another one.
-    void observe(const std::function<void()>& onChange);
+    // Told whenever the body has become another one.
+    void observe(std::function<void()> onChange);
 
  private:
+    struct Texts {
+        std::string cpu;
+        std::string ram;
+        bool operator==(const Texts&) const = default;
+    };
+    Texts texts() const;
+
     const MenuBarStatsModel& model_;
+    std::function<void()> onChange_;
+    Texts told_;
     Cancellation cpuPercent_;
     Cancellation ramUsedGB_;
     Cancellation ramTotalGB_;

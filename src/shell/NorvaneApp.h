@@ -15,6 +15,8 @@ class NorvaneApp {
  public:
     // The platform outlives the application.
     explicit NorvaneApp(const Platform& platform);
+    NorvaneApp(const NorvaneApp&) = delete;
+    NorvaneApp& operator=(const NorvaneApp&) = delete;
 
     // Comes up: the status item stands when this returns, the rest follows from the main queue.
     void launch();

@@ -14,7 +14,7 @@ Popover::~Popover() {
 
 void Popover::showBelow(const Rect& anchor) {
     if (isShown_) {
-        window_->orderFront();
+        if (isUp_) window_->orderFront();
         return;
     }
     if (delegate_ != nullptr) delegate_->popoverWillShow(*this);
@@ -31,7 +31,9 @@ void Popover::bringUpAfterThisTurn() {
     mainQueue_.async([this, showing = std::weak_ptr(showing_)] {
         if (showing.expired()) return;
         mainQueue_.async([this, showing] {
-            if (!showing.expired()) window_->orderFront();
+            if (showing.expired()) return;
+            isUp_ = true;
+            window_->orderFront();
         });
     });
 }
@@ -39,7 +41,7 @@ void Popover::bringUpAfterThisTurn() {
 void Popover::performClose() {
     if (!isShown_) return;
     if (delegate_ != nullptr && !delegate_->popoverShouldClose(*this)) return;
-    isShown_ = false;
+    isShown_ = isUp_ = false;
     showing_.reset();
     // The pointer is over nothing of it any more.
     content_.pointer({PointerEvent::Kind::leave, {}});

@@ -53,6 +53,7 @@ class Popover final : private PopoverWindowObserver {
     PopoverBehavior behavior_ = PopoverBehavior::applicationDefined;
     std::unique_ptr<PopoverWindow> window_;
     bool isShown_ = false;
+    bool isUp_ = false;  // its window has been brought up
     // One for each showing: a window that is to come up later does so only if that showing still lasts.
     std::shared_ptr<const int> showing_;
 };

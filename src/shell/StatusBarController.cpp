@@ -10,7 +10,7 @@ constexpr double kStatsLength = 54.0;
 }  // namespace
 
 std::shared_ptr<StatusBarController> StatusBarController::create(const Platform& platform) {
-    const std::shared_ptr<StatusBarController> controller(new StatusBarController(platform));
+    std::shared_ptr<StatusBarController> controller(new StatusBarController(platform));
     controller->startUp();
     return controller;
 }
@@ -36,6 +36,7 @@ void StatusBarController::startUp() {
 
 void StatusBarController::showStatsLabel() {
     statusItem_->setLength(kStatsLength);
+    statusItem_->setContent(nullptr);  // before the one that it shows goes away
     statsHostingView_.emplace(statsModel_, platform_.textRuler, platform_.appearance);
     statusItem_->setContent(&*statsHostingView_);
     // At once, so that the label doesn't wait for the next tick.

@@ -1,10 +1,10 @@
 #include "telemetry/MemoryReader.h"
 
+#include "telemetry/MemoryPressure.h"
+#include "telemetry/Units.h"
+
 namespace norvane {
 namespace {
-
-constexpr double kBytesPerGB = 1024.0 * 1024.0 * 1024.0;
-constexpr double kBytesPerMB = 1024.0 * 1024.0;
 
 double gigabytes(std::uint64_t pages, std::uint64_t pageSize) {
     return static_cast<double>(pages) * static_cast<double>(pageSize) / kBytesPerGB;
@@ -33,7 +33,8 @@ MemoryBasics MemoryReader::readMemoryBasics(TickToken tick) {
 }
 
 std::int64_t MemoryReader::readMemoryPressure(TickToken tick) {
-    return sysctl_.sysctlbyname(SysctlNumber::kern_memorystatus_vm_pressure_level, tick).value_or(1);
+    return sysctl_.sysctlbyname(SysctlNumber::kern_memorystatus_vm_pressure_level, tick)
+        .value_or(kNormalMemoryPressure);
 }
 
 MemoryDetail MemoryReader::readMemoryDetail(TickToken tick) {

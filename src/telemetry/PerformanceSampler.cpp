@@ -3,11 +3,12 @@
 #include <chrono>
 #include <utility>
 
+#include "telemetry/MemoryPressure.h"
+
 namespace norvane {
 namespace {
 
 constexpr double kCriticalCPUPercent = 85.0;
-constexpr std::int64_t kCriticalMemoryPressure = 4;
 
 ComponentState stateOf(bool isCritical) {
     return isCritical ? ComponentState::critical : ComponentState::normal;
@@ -71,7 +72,6 @@ void PerformanceSampler::tick() {
     const TickToken token{tickCount_};
     const LightReadings light = runLightHalf(token);
     if (!isVisible && !forceFullSampleNextTick_) return;
-    forceFullSampleNextTick_ = false;
     runFullHalf(token, light);
 }
 
@@ -108,6 +108,7 @@ PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken tok
 void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light) {
     CoreUsageReading cores = cpuReader_.readCoreUsage(token);
     const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
+    forceFullSampleNextTick_ = false;
 
     // Built on the history as published: while the last tick's publication is still on its way, the older
     // one.

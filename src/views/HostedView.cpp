@@ -1,6 +1,7 @@
 #include "views/HostedView.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "views/Palette.h"
@@ -33,16 +34,22 @@ DisplayList HostedView::displayList(Size size, MonotonicInstant) {
     SceneBuilder builder(Palette::of(appearance_.isDark()), size);
     builder.child(0, root);
     scene_ = std::move(builder).finish();
-    return scene_.picture;
+    DisplayList picture = scene_.picture;
+    // What stands under a resting pointer may be another thing now.
+    if (pointer_ || !hovered_.empty()) hover();
+    return picture;
 }
 
 void HostedView::pointer(const PointerEvent& event) {
     switch (event.kind) {
         case PointerEvent::Kind::move:
-            hover(event.at);
+            pointer_ = event.at;
+            hover();
             break;
         case PointerEvent::Kind::leave:
-            leave();
+            pointer_.reset();
+            pressed_.reset();
+            hover();
             break;
         case PointerEvent::Kind::press: {
             const SensitiveRegion* region = regionAt(event.at);
@@ -71,25 +78,26 @@ const SensitiveRegion* HostedView::regionAt(Point at) const {
     return found == scene_.regions.rend() ? nullptr : &*found;
 }
 
-void HostedView::hover(Point at) {
-    std::vector<std::string> now;
-    std::vector<std::function<void()>> changes;  // called last: a handler may replace the scene
-    for (const SensitiveRegion& region : scene_.regions) {
-        if (!region.onHover) continue;
-        const bool isOver = region.frame.contains(at);
-        const bool wasOver = std::find(hovered_.begin(), hovered_.end(), region.key) != hovered_.end();
-        if (isOver) now.push_back(region.key);
-        if (isOver != wasOver) changes.emplace_back([handler = region.onHover, isOver] { handler(isOver); });
+void HostedView::hover() {
+    std::vector<SensitiveRegion> now;
+    if (pointer_) {
+        std::copy_if(scene_.regions.begin(), scene_.regions.end(), std::back_inserter(now),
+                     [&](const SensitiveRegion& region) {
+                         return region.onHover && region.frame.contains(*pointer_);
+                     });
     }
-    hovered_ = std::move(now);
-    for (const auto& change : changes)
-        change();
-}
-
-void HostedView::leave() {
-    constexpr Point kNowhere{-1e9, -1e9};
-    hover(kNowhere);
-    pressed_.reset();
+    const auto isIn = [](const std::vector<SensitiveRegion>& regions, const SensitiveRegion& wanted) {
+        return std::any_of(regions.begin(), regions.end(),
+                           [&](const SensitiveRegion& region) { return region.key == wanted.key; });
+    };
+    // A handler may replace the scene, so what is over what is settled before the first is called.
+    const std::vector<SensitiveRegion> before = std::exchange(hovered_, now);
+    for (const SensitiveRegion& region : before) {
+        if (!isIn(now, region)) region.onHover(false);
+    }
+    for (const SensitiveRegion& region : now) {
+        if (!isIn(before, region)) region.onHover(true);
+    }
 }
 
 }  // namespace norvane

@@ -19,6 +19,8 @@ class HostedView : public SurfaceContent {
  public:
     // All outlive the view; so does what `body` looks at.
     HostedView(std::function<Element()> body, TextRuler& ruler, Appearance& appearance);
+    HostedView(const HostedView&) = delete;
+    HostedView& operator=(const HostedView&) = delete;
 
     // The state that the body looks at has changed.
     void invalidate();
@@ -32,16 +34,16 @@ class HostedView : public SurfaceContent {
  private:
     Node& tree();
     const SensitiveRegion* regionAt(Point at) const;
-    void hover(Point at);
-    void leave();
+    void hover();
 
     std::function<Element()> body_;
     TextRuler& ruler_;
     Appearance& appearance_;
     Cancellation appearanceChange_;
-    NodePointer tree_;  // null where the state has changed
-    Scene scene_;       // the last picture's
-    std::vector<std::string> hovered_;
+    NodePointer tree_;              // null where the state has changed
+    Scene scene_;                   // the last picture's
+    std::optional<Point> pointer_;  // none while it is elsewhere
+    std::vector<SensitiveRegion> hovered_;
     std::optional<std::string> pressed_;
 };
 

@@ -17,6 +17,8 @@ class Node;
 class SceneBuilder {
  public:
     SceneBuilder(const Palette& palette, Size size);
+    SceneBuilder(const SceneBuilder&) = delete;
+    SceneBuilder& operator=(const SceneBuilder&) = delete;
 
     const Palette& palette() const { return palette_; }
 

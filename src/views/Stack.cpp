@@ -59,6 +59,7 @@ class StackNode final : public Node {
         for (const auto& [known, all] : known_) {
             if (known == proposal) return all;
         }
+        if (known_.size() >= kMostKnown) known_.pop_front();
         return known_.emplace_back(proposal, worked(ruler, proposal)).second;
     }
 
@@ -88,6 +89,10 @@ class StackNode final : public Node {
 
     Axis axis_;
     StackOptions options_;
+    // More proposals than one round of layout makes; a size that is animated brings a new one with each
+    // frame.
+    static constexpr std::size_t kMostKnown = 8;
+
     std::vector<NodePointer> members_;
     mutable std::deque<std::pair<Proposal, std::vector<Size>>> known_;
 };

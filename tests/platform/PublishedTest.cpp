@@ -21,15 +21,6 @@ TEST(Published, TellsOfEveryWriteAfterItWasStored) {
     EXPECT_EQ(heardAndStored, (std::vector<std::pair<int, int>>{{8, 8}, {8, 8}, {9, 9}}));
 }
 
-TEST(Published, MayBeWrittenByItsObserver) {
-    Published<int> published;
-    const Cancellation clamping = published.observe([&](int value) {
-        if (value > 100) published.set(100);
-    });
-    published.set(250);
-    EXPECT_EQ(published.get(), 100);
-}
-
 TEST(Published, LetsGoOfTheOldValueOutsideOfItsLock) {
     // The old value reads the new one as it goes: with the lock still held, this would never end.
     Published<std::shared_ptr<const int>> published;

@@ -48,6 +48,7 @@ TEST(Decimal, WritesExactlySoManyPlaces) {
                           {99.995, 2, "100.00"},
                           {1e21, 1, "1000000000000000000000.0"},
                           {NAN, 2, "nan"},
+                          {-NAN, 2, "nan"},
                           {-INFINITY, 2, "-inf"}}) {
         EXPECT_EQ(decimal(c.value, c.places), c.want) << c.value;
     }

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/scripted/ScriptedUserDefaults.h"
+#include "platform/scripted/ScriptedMachine.h"
 #include "preferences/DefaultsKeys.h"
 #include "preferences/PreferencesStore.h"
 #include "preferences/StoredValue.h"
@@ -11,7 +11,8 @@ namespace norvane {
 namespace {
 
 TEST(PreferencesStore, AFreshUserHasTheDefaults) {
-    ScriptedUserDefaults defaults;
+    ScriptedMachine machine;
+    ScriptedUserDefaults& defaults = machine.userDefaults;
     const PreferencesStore prefs(defaults);
     EXPECT_EQ(prefs.temperatureUnit(), TemperatureUnit::celsius);
     EXPECT_EQ(prefs.menuBarIconMode(), MenuBarIconMode::stats);
@@ -25,8 +26,9 @@ TEST(PreferencesStore, AFreshUserHasTheDefaults) {
     EXPECT_TRUE(defaults.written.empty()) << "reading stores nothing";
 }
 
-TEST(PreferencesStore, WritesAtOnceUnderTheSettledKeysAndTellsObservers) {
-    ScriptedUserDefaults defaults;
+TEST(PreferencesStore, WritesAtOnceUnderItsKeysAndTellsObservers) {
+    ScriptedMachine machine;
+    ScriptedUserDefaults& defaults = machine.userDefaults;
     PreferencesStore prefs(defaults);
     int told = 0;
     const Cancellation observing = prefs.observe([&] { ++told; });
@@ -39,7 +41,13 @@ TEST(PreferencesStore, WritesAtOnceUnderTheSettledKeysAndTellsObservers) {
     prefs.setStorageAlertThresholdGB(42.5);
     prefs.setBatteryAlertEnabled(true);
     prefs.setBatteryAlertThresholdPct(7);
-    EXPECT_EQ(told, 9);
+    EXPECT_EQ(told, 0) << "never while it writes";
+    machine.settle();
+    EXPECT_EQ(told, 1) << "once for all of one turn";
+    prefs.setBatteryAlertThresholdPct(7);
+    machine.settle();
+    EXPECT_EQ(told, 2);
+    defaults.written.pop_back();
 
     const PreferencesStore again(defaults);
     EXPECT_EQ(again.temperatureUnit(), TemperatureUnit::fahrenheit);
@@ -62,7 +70,8 @@ TEST(PreferencesStore, WritesAtOnceUnderTheSettledKeysAndTellsObservers) {
 }
 
 TEST(PreferencesStore, SeesWhatIsChangedFromOutsideAndFallsBackOnGarbageWithoutRewritingIt) {
-    ScriptedUserDefaults defaults;
+    ScriptedMachine machine;
+    ScriptedUserDefaults& defaults = machine.userDefaults;
     const PreferencesStore prefs(defaults);
     defaults.changeFromOutside("menuBarIconMode", std::string("on"));
     EXPECT_EQ(prefs.menuBarIconMode(), MenuBarIconMode::on);
@@ -92,7 +101,8 @@ TEST(PreferencesStore, CarriesTheLegacySwitchOverOnce) {
           Case{"on", DefaultsValue(true), {}, gone},
           Case{"off as 0", DefaultsValue(0.0), {"menuBarIconMode"}, gone},
           Case{"no Bool", DefaultsValue(std::string("?")), {"menuBarIconMode"}, gone}}) {
-        ScriptedUserDefaults defaults;
+        ScriptedMachine machine;
+        ScriptedUserDefaults& defaults = machine.userDefaults;
         defaults.changeFromOutside("menuBarIconMode", std::string("on"));
         if (c.legacy) defaults.changeFromOutside("isDynamicMenuBarEnabled", *c.legacy);
         const PreferencesStore prefs(defaults);
@@ -123,7 +133,8 @@ TEST(StoredValue, MeansSomethingOnlyOfItsType) {
           Case{text("5."), {}, 5.0, "5."}, Case{text("true"), {}, {}, "true"}, Case{text(""), {}, {}, ""},
           Case{text("."), {}, {}, "."}, Case{text("1,5"), {}, {}, "1,5"}, Case{text(" 1"), {}, {}, " 1"},
           Case{text("0x10"), {}, {}, "0x10"}, Case{text("1e"), {}, {}, "1e"},
-          Case{text("nan"), {}, {}, "nan"}, Case{text("1e400"), {}, {}, "1e400"}}) {
+          Case{text("1e-400"), false, 0.0, "1e-400"}, Case{text("nan"), {}, {}, "nan"},
+          Case{text("1e400"), {}, {}, "1e400"}}) {
         EXPECT_EQ(storedBool(c.stored), c.asBool) << row;
         EXPECT_EQ(storedNumber(c.stored), c.asNumber) << row;
         EXPECT_EQ(storedText(c.stored), c.asText) << row;

@@ -87,8 +87,21 @@ TEST(ScriptedTime, StepsEachClockAlone) {
     machine.time.stepWallClock(-2h);
     EXPECT_EQ(machine.time.wall() - wall, -1h);
     EXPECT_EQ(machine.time.uptime() - uptime, 1h);
+    machine.time.stepUptime(5s);
+    EXPECT_EQ(machine.time.uptime() - uptime, 1h + 5s);
+    EXPECT_EQ(machine.time.wall() - wall, -1h);
+    const auto serial = machine.dispatch.makeSerialQueue("stopped");
+    int fired = 0;
+    const auto timer = serial->every(1s, [&] { ++fired; });
+    machine.settle();
+    machine.time.stepMonotonicClock(10s);
+    EXPECT_EQ(machine.time.monotonic() - monotonic, 10s);
+    EXPECT_EQ(machine.time.uptime() - uptime, 1h + 5s);
+    machine.settle();
+    EXPECT_EQ(fired, 2) << "ten missed firings are one";
     machine.advance(1s);
-    EXPECT_EQ(machine.time.monotonic() - monotonic, 1s);
+    EXPECT_EQ(fired, 3);
+    EXPECT_EQ(machine.time.monotonic() - monotonic, 11s);
 }
 
 TEST(ScriptedProcessors, CountTicksOfTheirLoadAsTimePasses) {
@@ -114,11 +127,13 @@ TEST(FixedTextRuler, WrapsAtWordsAndBreaksWordsThatFillALine) {
         Size size;
         int lines;
     };
-    for (const Case& c : {Case{"", TextRuler::kUnlimitedWidth, {0, 12.5}, 1},
-                          Case{"four", TextRuler::kUnlimitedWidth, {24, 12.5}, 1},
-                          Case{"m\xC3\xBCll", TextRuler::kUnlimitedWidth, {24, 12.5}, 1},
-                          Case{"one two", 24, {24, 27}, 2}, Case{"abcdefgh", 24, {24, 27}, 2},
-                          Case{"a\nb", TextRuler::kUnlimitedWidth, {6, 27}, 2}, Case{"ab", 0, {6, 27}, 2}}) {
+    for (const Case& c :
+         {Case{"", TextRuler::kUnlimitedWidth, {0, 12.5}, 1},
+          Case{"four", TextRuler::kUnlimitedWidth, {24, 12.5}, 1},
+          Case{"m\xC3\xBCll", TextRuler::kUnlimitedWidth, {24, 12.5}, 1}, Case{"one two", 24, {18, 27}, 2},
+          Case{"one two", 18, {18, 27}, 2}, Case{"a     b", 12, {6, 27}, 2}, Case{"one  ", 24, {18, 12.5}, 1},
+          Case{"abcdefgh", 24, {24, 27}, 2}, Case{"a\nb", TextRuler::kUnlimitedWidth, {6, 27}, 2},
+          Case{"ab", 0, {6, 27}, 2}}) {
         const TextMetrics metrics = ruler.measure(c.text, ten, c.width);
         EXPECT_EQ(metrics.size.width, c.size.width) << c.text;
         EXPECT_EQ(metrics.size.height, c.size.height) << c.text;

@@ -171,6 +171,22 @@ TEST_F(ApplicationTest, TheSentenceWaitsForALastingLoadAndForgetsAtAReopening) {
         << "no verdict from before the closing comes after it";
 }
 
+TEST_F(ApplicationTest, ShownWhileItIsShownTheSentenceKeepsItsWait) {
+    auto sampler = PerformanceSampler::create(machine_.platform());
+    MenuRootView view(machine_.platform(), sampler);
+    const auto sentence = [&] {
+        view.content().displayList(view.content().fittingSize(), machine_.time.monotonic());
+        return view.content().accessibleTree().children.at(1).name;
+    };
+    sampler->setUIVisible(true);
+    machine_.settle();
+    sampler->setUIVisible(true);  // as a popover that closed under a pin is shown again
+    machine_.settle();
+    EXPECT_EQ(sentence(), kInitializing);
+    machine_.advance(3s);
+    EXPECT_EQ(sentence(), kOptimal);
+}
+
 TEST_F(ApplicationTest, QuitIsAButtonThatLightsUpUnderThePointer) {
     launch();
     click();

@@ -58,6 +58,16 @@ TEST_F(PopoverTest, ComesUpBelowItsAnchorAfterTheTurnInWhichItIsMoved) {
         << "nothing jumped";
 }
 
+TEST_F(PopoverTest, ShownTwiceInOneTurnItComesUpOnceAndInItsPlace) {
+    popover_.showBelow({{700, 0}, {54, 22}});
+    popover_.showBelow({{100, 0}, {54, 22}});
+    machine_.dispatch.mainQueue().async([&] { popover_.window()->setFrame({{500, 28}, {100, 40}}); });
+    EXPECT_FALSE(isOnScreen());
+    machine_.settle();
+    EXPECT_EQ(machine_.windowServer.windows().at(0)->placesShown(), std::vector<Point>({{500, 28}}));
+    EXPECT_EQ(heard_, "will ");
+}
+
 TEST_F(PopoverTest, AskedToCloseBeforeItCameUpItNeverDoes) {
     popover_.showBelow({{700, 0}, {54, 22}});
     popover_.performClose();

@@ -18,6 +18,10 @@ class HostedViewTest : public testing::Test {
  protected:
     Element body() {
         ++evaluations_;
+        if (!rowAbove_) return buttons();
+        return vstack({}, text("", kTen).frame({.width = 60, .height = 20}), buttons());
+    }
+    Element buttons() {
         return vstack(
             {},
             button("First",
@@ -35,6 +39,7 @@ class HostedViewTest : public testing::Test {
     ScriptedAppearance appearance_;
     int evaluations_ = 0;
     bool hovered_ = false;
+    bool rowAbove_ = false;
     std::string pressed_;
     HostedView view_{[this] { return body(); }, ruler_, appearance_};
 };
@@ -90,6 +95,22 @@ TEST_F(HostedViewTest, HoverFollowsThePointerAndEndsWhenItLeaves) {
     EXPECT_FALSE(hovered_);
     send(PointerEvent::Kind::move, {10, 5});
     send(PointerEvent::Kind::leave);
+    EXPECT_FALSE(hovered_);
+}
+
+TEST_F(HostedViewTest, HoverFollowsWhatMovesUnderARestingPointer) {
+    paint();
+    send(PointerEvent::Kind::move, {10, 5});
+    EXPECT_TRUE(hovered_);
+    rowAbove_ = true;
+    view_.invalidate();
+    paint();  // the button has moved down, and its path in the tree is another one
+    EXPECT_FALSE(hovered_);
+    send(PointerEvent::Kind::move, {10, 25});
+    EXPECT_TRUE(hovered_);
+    rowAbove_ = false;
+    view_.invalidate();
+    paint();
     EXPECT_FALSE(hovered_);
 }
 

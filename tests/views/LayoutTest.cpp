@@ -69,8 +69,8 @@ TEST(Layout, PlacesRowsAndColumns) {
 
 TEST(Layout, WrapsATextInTheRoomThatItsNeighboursLeave) {
     EXPECT_EQ(pictureOf(hstack({.spacing = 4}, text("one two", kTen), text("fix", kTen)), Size{46, 30}),
-              "0/0: text \"one two\" 0,2.5 24x25 size 10\n"
-              "0/1: text \"fix\" 28,8.75 18x12.5 size 10\n")
+              "0/0: text \"one two\" 0,2.5 18x25 size 10\n"
+              "0/1: text \"fix\" 22,8.75 18x12.5 size 10\n")
         << "the stiffer of two texts keeps its line";
 }
 

@@ -11,41 +11,48 @@ bool startsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
 }
 
-// Breaks text into lines of at most `most` characters, at blanks where there are any.
+// Breaks text into lines of at most `most` characters, at blanks where there are any. Blanks at the end of a
+// line take no room.
 class Wrapping {
  public:
     explicit Wrapping(double most) : most_(most) {}
 
     void add(char byte) {
         if (byte == '\n') {
-            endLine(line_);
-            line_ = word_ = 0;
-            return;
+            startLine(0);
+        } else if (byte == ' ') {
+            ++line_;
+            word_ = 0;
+        } else if (startsCharacter(byte)) {
+            // The word that does not fit goes to the next line; one that fills a line is broken.
+            if (static_cast<double>(line_ + 1) > most_ && inked_ > 0) startLine(word_ < line_ ? word_ : 0);
+            ++line_;
+            ++word_;
+            if (word_ == 1) before_ = inked_;
+            inked_ = line_;
         }
-        if (!startsCharacter(byte)) return;
-        if (static_cast<double>(line_ + 1) > most_ && line_ > 0 && byte != ' ') {
-            // The word that does not fit goes to the next line; one that fills the line is broken.
-            const std::size_t carried = word_ < line_ ? word_ : 0;
-            endLine(line_ - carried);
-            line_ = word_ = carried;
-        }
-        ++line_;
-        word_ = byte == ' ' ? 0 : word_ + 1;
     }
-    void finish() { endLine(line_); }
+    void finish() { startLine(0); }
 
     std::size_t widest() const { return widest_; }
     int lines() const { return lines_; }
 
  private:
-    void endLine(std::size_t length) {
-        widest_ = std::max(widest_, length);
+    // Ends the line before the last `carried` characters, which begin the next one.
+    void startLine(std::size_t carried) {
+        widest_ = std::max(widest_, carried > 0 ? before_ : inked_);
         ++lines_;
+        line_ = word_ = inked_ = carried;
+        before_ = 0;
     }
 
     double most_;
+    // Characters: of this line, of its last word, up to its last one that is no blank, and the same before
+    // the word.
     std::size_t line_ = 0;
     std::size_t word_ = 0;
+    std::size_t inked_ = 0;
+    std::size_t before_ = 0;
     std::size_t widest_ = 0;
     int lines_ = 0;
 };

@@ -53,7 +53,7 @@ class ScriptedMachine {
     ScriptedHostPort hostPort{time};
     ScriptedSysctl sysctl;
     ScriptedProcessInfo processInfo{time};
-    ScriptedUserDefaults userDefaults;
+    ScriptedUserDefaults userDefaults{dispatch.mainQueue()};
     ScriptedUUIDSource uuidSource;
     FixedTextRuler textRuler;
     ScriptedAppearance appearance;

@@ -32,8 +32,11 @@ class ScriptedTime {
         wall_ += by;
         uptime_ += by;
     }
-    // Somebody sets the wall clock, forward or back.
+    // Each clock alone. Somebody sets the wall clock, forward or back.
     void stepWallClock(std::chrono::nanoseconds by) { wall_ += by; }
+    // The process was stopped: what has come due since fires at the loop's next turn.
+    void stepMonotonicClock(std::chrono::nanoseconds by) { monotonic_ += by; }
+    void stepUptime(std::chrono::nanoseconds by) { uptime_ += by; }
 
  private:
     struct Wall final : WallClock {

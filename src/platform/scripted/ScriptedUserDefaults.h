@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/MainQueue.h"
 #include "platform/Observers.h"
 #include "platform/UserDefaults.h"
 
@@ -14,6 +15,8 @@ namespace norvane {
 // thread.
 class ScriptedUserDefaults final : public UserDefaults {
  public:
+    explicit ScriptedUserDefaults(MainQueue& mainQueue) : mainQueue_(mainQueue) {}
+
     std::optional<DefaultsValue> objectForKey(std::string_view key) const override {
         const auto found = values_.find(key);
         return found == values_.end() ? std::nullopt : std::optional(found->second);
@@ -27,7 +30,7 @@ class ScriptedUserDefaults final : public UserDefaults {
         if (found == values_.end()) return;
         removed.emplace_back(key);
         values_.erase(found);
-        changed_.tell();
+        tellSoon();
     }
     Cancellation onDidChange(std::function<void()> observer) override {
         return changed_.add(std::move(observer));
@@ -36,7 +39,7 @@ class ScriptedUserDefaults final : public UserDefaults {
     // Another program writes the key: observers are told, nothing is remembered.
     void changeFromOutside(std::string_view key, DefaultsValue value) {
         values_.insert_or_assign(std::string(key), std::move(value));
-        changed_.tell();
+        tellSoon();
     }
 
     // The keys written and removed by the application, in order.
@@ -44,6 +47,16 @@ class ScriptedUserDefaults final : public UserDefaults {
     std::vector<std::string> removed;
 
  private:
+    void tellSoon() {
+        if (std::exchange(isToBeTold_, true)) return;
+        mainQueue_.async([this] {
+            isToBeTold_ = false;
+            changed_.tell();
+        });
+    }
+
+    MainQueue& mainQueue_;
+    bool isToBeTold_ = false;
     std::map<std::string, DefaultsValue, std::less<>> values_;
     Observers<> changed_;
 };

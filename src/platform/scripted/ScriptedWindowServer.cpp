@@ -1,5 +1,7 @@
 #include "platform/scripted/ScriptedWindowServer.h"
 
+#include <algorithm>
+
 #include "platform/scripted/ScriptedPopoverWindow.h"
 #include "platform/scripted/ScriptedStatusItem.h"
 
@@ -47,8 +49,10 @@ void ScriptedWindowServer::click(Point at) {
     }
     if (hit == nullptr) {
         const auto windows = shown_;  // a window may leave when it hears of the press
-        for (ScriptedPopoverWindow* window : windows)
-            window->observer().windowPressedOutside();
+        for (ScriptedPopoverWindow* window : windows) {
+            const bool isStillShown = std::find(shown_.begin(), shown_.end(), window) != shown_.end();
+            if (isStillShown) window->observer().windowPressedOutside();
+        }
         return;
     }
     const Point inside{at.x - hit->frame().minX(), at.y - hit->frame().minY()};
