@@ -1,0 +1,33 @@
+#include "LiveSampler.h"
+
+#include <cstddef>
+
+namespace norvane {
+
+LiveSampler::LiveSampler(bool isDashboardVisible) {
+    sampler_->start();
+    publish();
+    if (isDashboardVisible) sampler_->setUIVisible(true);
+    publish();
+    for (std::size_t i = 0; i < 2 * PerformanceSampler::kCPUHistoryLength; ++i) {
+        tick();
+        publish();
+    }
+}
+
+Platform LiveSampler::platform() {
+    return {.wallClock = wallClock_,
+            .monotonicClock = rest_.time.monotonicClock(),
+            .dispatch = dispatch_,
+            .hostPort = kernel_.hostPort(),
+            .sysctl = kernel_.sysctl(),
+            .processInfo = kernel_.processInfo(),
+            .userDefaults = rest_.userDefaults,
+            .uuidSource = rest_.uuidSource,
+            .textRuler = rest_.textRuler,
+            .appearance = rest_.appearance,
+            .windowServer = rest_.windowServer,
+            .application = rest_.application};
+}
+
+}  // namespace norvane

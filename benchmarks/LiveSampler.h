@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+
+#include "ImmediateDispatch.h"
+#include "platform/linux/LinuxKernel.h"
+#include "platform/linux/LinuxWallClock.h"
+#include "platform/scripted/ScriptedMachine.h"
+#include "telemetry/PerformanceSampler.h"
+
+namespace norvane {
+
+// The program's sampler on the machine that this runs on, reading it as the program does; only what it hands
+// over to other threads stays on this one.
+class LiveSampler {
+ public:
+    // While the dashboard is visible, each tick is a full one. Ticks until everything that is kept from tick
+    // to tick is there: descriptors, buffers, a whole history.
+    explicit LiveSampler(bool isDashboardVisible);
+
+    void tick() { dispatch_.fire(); }
+    // Publishes what the tick found. Once after each tick.
+    void publish() { dispatch_.runMainQueue(); }
+
+ private:
+    Platform platform();
+
+    ScriptedMachine rest_;  // the ports that a tick never asks
+    ImmediateDispatch dispatch_{rest_.dispatch};
+    LinuxWallClock wallClock_;
+    LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
+    std::shared_ptr<PerformanceSampler> sampler_ = PerformanceSampler::create(platform());
+};
+
+}  // namespace norvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Appearance.h"
+#include "platform/linux/Keyboard.h"
+#include "platform/linux/OutsidePresses.h"
+#include "platform/linux/OwnWindows.h"
+#include "platform/linux/TextLayouts.h"
+#include "platform/linux/X11Connection.h"
+#include "platform/linux/X11Screen.h"
+#include "platform/MainQueue.h"
+#include "platform/MonotonicClock.h"
+
+namespace norvane {
+
+// What every window of ours needs. All parts outlive the windows.
+struct Desk {
+    X11Connection& connection;
+    X11Screen& screen;
+    OwnWindows& ownWindows;
+    OutsidePresses& outsidePresses;
+    Keyboard& keyboard;
+    TextLayouts& layouts;
+    Appearance& appearance;
+    const MonotonicClock& clock;
+    MainQueue& mainQueue;
+};
+
+}  // namespace norvane

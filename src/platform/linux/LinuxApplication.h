@@ -1,0 +1,47 @@
+#pragma once
+
+#include <glib.h>
+#include <signal.h>
+#include <functional>
+
+#include "platform/Application.h"
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/LinuxMainQueue.h"
+
+namespace norvane {
+
+// The process: its main loop and how it ends. SIGTERM and SIGINT end it as `terminate` does, and a reader
+// that goes away is an error to whoever writes, not the end of the process (SIGPIPE is ignored). Main thread
+// only. There is one at a time, made before the first thread of anybody else, so that no thread takes the
+// signals. A program that this process starts inherits the blocked signals unless they are set free for it.
+class LinuxApplication final : public Application {
+ public:
+    explicit LinuxApplication(LinuxMainQueue& mainQueue);
+    // The signals are as they were.
+    ~LinuxApplication() override;
+    LinuxApplication(const LinuxApplication&) = delete;
+    LinuxApplication& operator=(const LinuxApplication&) = delete;
+
+    // Runs the main loop until `terminate`, and gives the process' exit status.
+    int run();
+
+    void terminate() override;
+    void activateIgnoringOtherApps() override;
+
+    // What brings the application's windows in front of the user. Whoever has the windows sets it.
+    void setActivationHandler(std::function<void()> handler) { activate_ = std::move(handler); }
+
+ private:
+    static gboolean signalCame(gint descriptor, GIOCondition condition, gpointer application);
+
+    LinuxMainQueue& mainQueue_;
+    GMainLoop* loop_;
+    std::function<void()> activate_;
+    bool isTerminated_ = false;
+    FileDescriptor signals_;  // a signalfd
+    guint signalSource_ = 0;
+    sigset_t signalsBefore_;
+    struct sigaction pipeActionBefore_;
+};
+
+}  // namespace norvane

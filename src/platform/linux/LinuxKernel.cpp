@@ -1,0 +1,29 @@
+#include "platform/linux/LinuxKernel.h"
+
+#include <utility>
+
+#include "platform/linux/BlockingLaneWaiter.h"
+#include "platform/linux/InlineLane.h"
+#include "platform/linux/ThreadLane.h"
+
+namespace norvane {
+
+LinuxKernel::Lanes LinuxKernel::Lanes::threads() {
+    return {[](std::string name) { return std::make_unique<ThreadLane>(std::move(name)); },
+            std::make_shared<BlockingLaneWaiter>()};
+}
+
+LinuxKernel::Lanes LinuxKernel::Lanes::sameThread() {
+    return {[](const std::string&) { return std::make_unique<InlineLane>(); },
+            std::make_shared<BlockingLaneWaiter>()};
+}
+
+LinuxKernel::LinuxKernel(const RootFolder& root, const SystemCalls& calls, const Lanes& lanes)
+    : files_(root, calls.pageBytes),
+      processors_(root),
+      readBehind_(lanes.waiter, calls.now),
+      host_(files_, processors_, calls.pageBytes, calls.ticksPerSecond),
+      sysctl_(root, files_, processors_, calls.machine),
+      processInfo_(root, files_, calls, readBehind_, lanes.make("thermal"), lowPowerMode_) {}
+
+}  // namespace norvane

@@ -1,0 +1,35 @@
+#include "platform/linux/LinuxMachine.h"
+
+#include <utility>
+
+namespace norvane {
+
+std::unique_ptr<LinuxMachine> LinuxMachine::open() {
+    auto connection = X11Connection::open();
+    if (!connection) return nullptr;
+    return std::unique_ptr<LinuxMachine>(new LinuxMachine(std::move(connection)));
+}
+
+LinuxMachine::LinuxMachine(std::unique_ptr<X11Connection> connection)
+    : connection_(std::move(connection)),
+      windowServer_(*connection_, textLayouts_, appearance_, monotonicClock_, dispatch_.mainQueue()) {
+    // Without its display there is nobody to show anything to.
+    connection_->setEndHandler([this] { application_.terminate(); });
+}
+
+Platform LinuxMachine::platform() {
+    return {.wallClock = wallClock_,
+            .monotonicClock = monotonicClock_,
+            .dispatch = dispatch_,
+            .hostPort = kernel_.hostPort(),
+            .sysctl = kernel_.sysctl(),
+            .processInfo = kernel_.processInfo(),
+            .userDefaults = userDefaults_,
+            .uuidSource = uuidSource_,
+            .textRuler = textRuler_,
+            .appearance = appearance_,
+            .windowServer = windowServer_,
+            .application = application_};
+}
+
+}  // namespace norvane

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/LinuxAppearance.h"
+#include "platform/linux/LinuxApplication.h"
+#include "platform/linux/LinuxDispatch.h"
+#include "platform/linux/LinuxKernel.h"
+#include "platform/linux/LinuxMonotonicClock.h"
+#include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/LinuxUUIDSource.h"
+#include "platform/linux/LinuxWallClock.h"
+#include "platform/linux/PangoTextRuler.h"
+#include "platform/linux/TextLayouts.h"
+#include "platform/linux/X11Connection.h"
+#include "platform/linux/X11WindowServer.h"
+#include "platform/Platform.h"
+
+namespace norvane {
+
+// This Linux machine behind every port. Main thread only; there is one at a time in a process, made before any
+// other thread.
+class LinuxMachine {
+ public:
+    // Null where there is no display to show anything on.
+    static std::unique_ptr<LinuxMachine> open();
+
+    Platform platform();
+    // Runs the main loop until the application is terminated or the display goes away; gives the process' exit
+    // status.
+    int run() { return application_.run(); }
+
+ private:
+    explicit LinuxMachine(std::unique_ptr<X11Connection> connection);
+
+    LinuxWallClock wallClock_;
+    LinuxMonotonicClock monotonicClock_;
+    LinuxDispatch dispatch_;
+    LinuxApplication application_{dispatch_.mainQueue()};
+    LinuxUserDefaults userDefaults_{dispatch_.mainQueue(), LinuxUserDefaults::defaultPath()};
+    LinuxUUIDSource uuidSource_;
+    LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
+    LinuxAppearance appearance_{dispatch_.mainQueue(), LinuxAppearance::sessionBusAddress()};
+    std::unique_ptr<X11Connection> connection_;
+    TextLayouts textLayouts_;
+    PangoTextRuler textRuler_{textLayouts_};
+    X11WindowServer windowServer_;
+};
+
+}  // namespace norvane

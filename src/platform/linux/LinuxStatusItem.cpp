@@ -1,0 +1,29 @@
+#include "platform/linux/LinuxStatusItem.h"
+
+namespace norvane {
+
+LinuxStatusItem::LinuxStatusItem(double length, const MakeHost& makeHost) : length_(length) {
+    setHost(makeHost);
+}
+
+void LinuxStatusItem::setHost(const MakeHost& makeHost) {
+    host_.reset();  // gives the content up before the next one takes it
+    host_ = makeHost([this] {
+        // The action may end the item.
+        if (const auto action = action_) action();
+    });
+    host_->setLength(length_);
+    host_->setContent(content_);
+}
+
+void LinuxStatusItem::setLength(double points) {
+    length_ = points;
+    host_->setLength(points);
+}
+
+void LinuxStatusItem::setContent(SurfaceContent* content) {
+    content_ = content;
+    host_->setContent(content);
+}
+
+}  // namespace norvane

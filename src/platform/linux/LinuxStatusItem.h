@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/linux/StatusItemHost.h"
+#include "platform/StatusItem.h"
+
+namespace norvane {
+
+// The status item, whatever carries it at the moment: it remembers what it was told, and tells each host.
+class LinuxStatusItem final : public StatusItem {
+ public:
+    using MakeHost = std::function<std::unique_ptr<StatusItemHost>(std::function<void()> clicked)>;
+
+    LinuxStatusItem(double length, const MakeHost& makeHost);
+
+    // Moves the item to another host.
+    void setHost(const MakeHost& makeHost);
+
+    void setLength(double points) override;
+    void setContent(SurfaceContent* content) override;
+    void setAction(std::function<void()> action) override { action_ = std::move(action); }
+    std::optional<Rect> buttonFrame() const override { return host_->buttonFrame(); }
+
+ private:
+    double length_;
+    SurfaceContent* content_ = nullptr;
+    std::function<void()> action_;
+    std::unique_ptr<StatusItemHost> host_;
+};
+
+}  // namespace norvane

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+
+#include "drawing/Rect.h"
+#include "platform/SurfaceContent.h"
+
+namespace norvane {
+
+// What carries the status item: a place in somebody's panel, or one of our own. Main thread only. A click on
+// it calls the function that it was made with.
+class StatusItemHost {
+ public:
+    virtual ~StatusItemHost() = default;
+
+    // The width in points, or `StatusItem::kSquareLength`.
+    virtual void setLength(double points) = 0;
+    // Null for nothing. The content outlives its use here.
+    virtual void setContent(SurfaceContent* content) = 0;
+    // In points of the screen; none while it is nowhere.
+    virtual std::optional<Rect> buttonFrame() const = 0;
+};
+
+}  // namespace norvane

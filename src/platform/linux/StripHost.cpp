@@ -1,0 +1,255 @@
+#include "platform/linux/StripHost.h"
+
+#include <xcb/xcb_icccm.h>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "platform/linux/PanelTones.h"
+#include "platform/linux/X11Event.h"
+#include "platform/linux/X11Properties.h"
+#include "platform/StatusItem.h"
+
+namespace norvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::nanoseconds kFirstWait = 250ms;
+constexpr std::chrono::nanoseconds kLongestWait = 30s;
+// Left alone for so long, it comes back at once again.
+constexpr std::chrono::nanoseconds kCalm = 60s;
+
+constexpr std::uint32_t kOnAllDesktops = 0xFFFFFFFF;
+
+}  // namespace
+
+StripHost::StripHost(const Desk& desk, std::function<void()> clicked)
+    : desk_(desk), clicked_(std::move(clicked)), surface_(desk.connection, desk.layouts) {
+    appearance_ = desk_.appearance.onDidChange([this] { updateSoon(); });
+    screen_ = desk_.screen.onDidChange([this] { updateSoon(); });
+    updateSoon();
+}
+
+StripHost::~StripHost() {
+    setContent(nullptr);
+    update_.cancel();
+    events_.cancel();
+    surface_.release();
+    if (window_ != XCB_NONE) {
+        xcb_destroy_window(desk_.connection.get(), window_);
+        xcb_flush(desk_.connection.get());
+    }
+}
+
+void StripHost::setLength(double points) {
+    length_ = points > 0 && std::isfinite(points) ? points : kHeight;
+    updateSoon();
+}
+
+void StripHost::setContent(SurfaceContent* content) {
+    if (content_ != nullptr) content_->setChangeHandler(nullptr);
+    content_ = content;
+    if (content_ != nullptr) content_->setChangeHandler([this] { updateSoon(); });
+    updateSoon();
+}
+
+std::optional<Rect> StripHost::buttonFrame() const {
+    if (!desk_.connection.isAlive()) return std::nullopt;
+    // Until it is there, where it is going to be.
+    return (isOffered_ && asked_ == wantedFrame() ? frame_ : wantedFrame()).inPoints(desk_.screen.scale());
+}
+
+PixelRect StripHost::wantedFrame() const {
+    const PixelRect monitor = desk_.screen.primaryFrame();
+    const double scale = desk_.screen.scale();
+    const int width = std::clamp(pixelsCovering(length_, scale), 1, std::max(1, monitor.width));
+    const int height = std::clamp(pixelsCovering(kHeight, scale), 1, std::max(1, monitor.height));
+    return {monitor.x + monitor.width - width, monitor.y, width, height};
+}
+
+void StripHost::createWindow() {
+    X11Connection& connection = desk_.connection;
+    const X11Atoms& atoms = connection.atoms();
+    window_ = xcb_generate_id(connection.get());
+    const Color tone = panelTones(desk_.appearance.isDark()).strip;
+    const std::array<std::uint32_t, 5> values{
+        opaquePixel(tone.red, tone.green, tone.blue), 0, XCB_GRAVITY_NORTH_EAST,
+        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_VISIBILITY_CHANGE |
+            XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+        connection.opaqueVisual().colormap};
+    xcb_create_window(
+        connection.get(), connection.opaqueVisual().depth, window_, connection.root(),
+        static_cast<std::int16_t>(asked_.x), static_cast<std::int16_t>(asked_.y),
+        static_cast<std::uint16_t>(asked_.width), static_cast<std::uint16_t>(asked_.height), 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, connection.opaqueVisual().id,
+        XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
+        values.data());
+    events_ = connection.onEvent(window_, [this](const xcb_generic_event_t& event) { handle(event); });
+
+    setNames(connection, window_, "Norvane");
+    setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM, {atoms.netWmWindowTypeDock});
+    setProperty(connection, window_, atoms.netWmState, XCB_ATOM_ATOM,
+                {atoms.netWmStateSticky, atoms.netWmStateAbove, atoms.netWmStateSkipTaskbar,
+                 atoms.netWmStateSkipPager});
+    setProperty(connection, window_, atoms.netWmDesktop, XCB_ATOM_CARDINAL, {kOnAllDesktops});
+    // A window manager asks instead of cutting the connection; we stay.
+    setProperty(connection, window_, atoms.wmProtocols, XCB_ATOM_ATOM, {atoms.wmDeleteWindow});
+    xcb_icccm_wm_hints_t hints{};
+    xcb_icccm_wm_hints_set_input(&hints, 0);
+    xcb_icccm_wm_hints_set_normal(&hints);
+    xcb_icccm_set_wm_hints(connection.get(), window_, &hints);
+}
+
+// _NET_WM_STRUT and _NET_WM_STRUT_PARTIAL of the Extended Window Manager Hints: from the edges of the whole
+// screen, so that only a monitor with none above it can have its top row reserved.
+void StripHost::reserveRow() {
+    std::array<std::uint32_t, 12> strut{};
+    if (desk_.screen.isPrimaryAtTop()) {
+        strut[2] = static_cast<std::uint32_t>(std::max(0, asked_.y + asked_.height));
+        strut[8] = static_cast<std::uint32_t>(std::max(0, asked_.x));
+        strut[9] = static_cast<std::uint32_t>(std::max(0, asked_.x + asked_.width - 1));
+    }
+    const X11Atoms& atoms = desk_.connection.atoms();
+    setProperty(desk_.connection, window_, atoms.netWmStrut, XCB_ATOM_CARDINAL,
+                std::span<const std::uint32_t>(strut).first(4));
+    setProperty(desk_.connection, window_, atoms.netWmStrutPartial, XCB_ATOM_CARDINAL,
+                std::span<const std::uint32_t>(strut));
+
+    xcb_size_hints_t hints{};
+    xcb_icccm_size_hints_set_position(&hints, 1, asked_.x, asked_.y);
+    xcb_icccm_size_hints_set_size(&hints, 1, asked_.width, asked_.height);
+    xcb_icccm_size_hints_set_min_size(&hints, asked_.width, asked_.height);
+    xcb_icccm_size_hints_set_max_size(&hints, asked_.width, asked_.height);
+    xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);
+    xcb_icccm_set_wm_normal_hints(desk_.connection.get(), window_, &hints);
+}
+
+void StripHost::updateSoon() {
+    if (std::exchange(isUpdateDue_, true)) return;
+    update_ = desk_.mainQueue.after(0ns, [this] {
+        isUpdateDue_ = false;
+        update();
+    });
+}
+
+void StripHost::update() {
+    if (!desk_.connection.isAlive()) return;
+    xcb_connection_t* const server = desk_.connection.get();
+    const PixelRect wanted = wantedFrame();
+    if (window_ == XCB_NONE || wanted != asked_) {
+        asked_ = wanted;
+        frame_ = wanted;
+        if (window_ == XCB_NONE) {
+            createWindow();
+        } else {
+            const std::array<std::uint32_t, 4> values{
+                static_cast<std::uint32_t>(wanted.x), static_cast<std::uint32_t>(wanted.y),
+                static_cast<std::uint32_t>(wanted.width), static_cast<std::uint32_t>(wanted.height)};
+            xcb_configure_window(server, window_,
+                                 XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                     XCB_CONFIG_WINDOW_HEIGHT,
+                                 values.data());
+            desk_.ownWindows.move(window_, frame_);
+        }
+        reserveRow();
+    }
+    if (visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) return;  // painted once it can be seen
+    surface_.prepare({.window = window_,
+                      .visual = desk_.connection.opaqueVisual(),
+                      .width = asked_.width,
+                      .height = asked_.height,
+                      .placement = {.scale = desk_.screen.scale()}});
+    if (!surface_.paint(picture())) return;  // again when the server is done
+    if (!std::exchange(isOffered_, true)) {
+        xcb_map_window(server, window_);
+        shown_ = desk_.ownWindows.add(window_, frame_);
+    }
+    surface_.present();
+}
+
+DisplayList StripHost::picture() const {
+    const double scale = desk_.screen.scale();
+    const PanelTones& tones = panelTones(desk_.appearance.isDark());
+    const Size size{asked_.width / scale, asked_.height / scale};
+    DisplayList list;
+    list.size = size;
+    const auto fill = [&list](const char* key, const Rect& rect, const Color& color) {
+        list.items.push_back({key, rect, FillShape{{rect, 0}, color}});
+    };
+    fill("//strip", {{}, size}, tones.strip);
+    const double hair = 1 / scale;
+    fill("//bottom edge", {{0, size.height - hair}, {size.width, hair}}, tones.stripEdge);
+    fill("//left edge", {{0, 0}, {hair, size.height - hair}}, tones.stripEdge);
+    if (content_ != nullptr) {
+        DisplayList content = content_->displayList({length_, kHeight}, desk_.clock.now());
+        list.items.insert(list.items.end(), std::make_move_iterator(content.items.begin()),
+                          std::make_move_iterator(content.items.end()));
+    }
+    return list;
+}
+
+void StripHost::handle(const xcb_generic_event_t& event) {
+    switch (typeOf(event)) {
+        case XCB_BUTTON_PRESS:
+            if (eventAs<xcb_button_press_event_t>(event).detail == XCB_BUTTON_INDEX_1) {
+                const auto clicked = clicked_;
+                clicked();  // the last thing here: it may end this host
+            }
+            return;
+        case XCB_VISIBILITY_NOTIFY: {
+            const int before =
+                std::exchange(visibility_, eventAs<xcb_visibility_notify_event_t>(event).state);
+            if (before == XCB_VISIBILITY_FULLY_OBSCURED && visibility_ != before) updateSoon();
+            if (visibility_ != XCB_VISIBILITY_UNOBSCURED) comeBackSoon();
+            return;
+        }
+        case XCB_REPARENT_NOTIFY:
+            isReparented_ = eventAs<xcb_reparent_notify_event_t>(event).parent != desk_.connection.root();
+            return;
+        case XCB_CONFIGURE_NOTIFY:
+            followPlace(eventAs<xcb_configure_notify_event_t>(event));
+            return;
+        default:
+            if (surface_.handle(event)) updateSoon();
+            return;
+    }
+}
+
+// A window manager may have put it elsewhere. Its own events tell of the root; the server's tell of the frame
+// that the window manager put around the window.
+void StripHost::followPlace(const xcb_configure_notify_event_t& event) {
+    PixelRect place{event.x, event.y, event.width, event.height};
+    if (isReparented_ && (event.response_type & 0x80) == 0) {
+        xcb_connection_t* const server = desk_.connection.get();
+        const X11Reply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+            server, xcb_translate_coordinates(server, window_, desk_.connection.root(), 0, 0), nullptr));
+        if (!reply) return;
+        place.x = reply->dst_x;
+        place.y = reply->dst_y;
+    }
+    frame_ = place;
+    desk_.ownWindows.move(window_, frame_);
+}
+
+void StripHost::comeBackSoon() {
+    if (isComingBack_) return;
+    if (desk_.clock.now() - cameBack_ > kCalm) nextWait_ = 0ns;
+    isComingBack_ = true;
+    comeBack_ = desk_.mainQueue.after(nextWait_, [this] {
+        isComingBack_ = false;
+        comeBack();
+    });
+}
+
+void StripHost::comeBack() {
+    // A window manager keeps docks where they belong, and full-screen windows before them.
+    if (visibility_ == XCB_VISIBILITY_UNOBSCURED || desk_.screen.hasWindowManager()) return;
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(desk_.connection.get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    cameBack_ = desk_.clock.now();
+    nextWait_ = std::clamp(nextWait_ * 2, kFirstWait, kLongestWait);
+}
+
+}  // namespace norvane

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+namespace norvane {
+
+// The names that we and other programs of the desktop talk to each other with.
+struct X11Atoms {
+    // Asks the server for all of them in one exchange. False where the server is gone. The compositor's
+    // selection carries the screen's number.
+    bool intern(xcb_connection_t* connection, int screenNumber);
+
+    xcb_atom_t utf8String = XCB_NONE;
+    xcb_atom_t wmProtocols = XCB_NONE;
+    xcb_atom_t wmDeleteWindow = XCB_NONE;
+    xcb_atom_t netWmName = XCB_NONE;
+    xcb_atom_t netWmDesktop = XCB_NONE;
+    xcb_atom_t netWmWindowType = XCB_NONE;
+    xcb_atom_t netWmWindowTypeDock = XCB_NONE;
+    xcb_atom_t netWmWindowTypeDropdownMenu = XCB_NONE;
+    xcb_atom_t netWmState = XCB_NONE;
+    xcb_atom_t netWmStateAbove = XCB_NONE;
+    xcb_atom_t netWmStateSticky = XCB_NONE;
+    xcb_atom_t netWmStateSkipTaskbar = XCB_NONE;
+    xcb_atom_t netWmStateSkipPager = XCB_NONE;
+    xcb_atom_t netWmStrut = XCB_NONE;
+    xcb_atom_t netWmStrutPartial = XCB_NONE;
+    xcb_atom_t netWorkarea = XCB_NONE;
+    xcb_atom_t gtkFrameExtents = XCB_NONE;
+    xcb_atom_t comptonShadow = XCB_NONE;
+    xcb_atom_t netWmCm = XCB_NONE;
+};
+
+}  // namespace norvane

@@ -1,0 +1,30 @@
+#include "platform/linux/X11WindowServer.h"
+
+#include <utility>
+
+#include "platform/linux/LinuxStatusItem.h"
+#include "platform/linux/StripHost.h"
+#include "platform/linux/X11PopoverWindow.h"
+
+namespace norvane {
+
+X11WindowServer::X11WindowServer(X11Connection& connection, TextLayouts& layouts, Appearance& appearance,
+                                 const MonotonicClock& clock, MainQueue& mainQueue)
+    : screen_(connection),
+      outsidePresses_(connection, ownWindows_),
+      keyboard_(connection),
+      desk_{connection, screen_,    ownWindows_, outsidePresses_, keyboard_,
+            layouts,    appearance, clock,       mainQueue} {}
+
+std::unique_ptr<StatusItem> X11WindowServer::statusItemWithLength(double points) {
+    return std::make_unique<LinuxStatusItem>(points, [this](std::function<void()> clicked) {
+        return std::make_unique<StripHost>(desk_, std::move(clicked));
+    });
+}
+
+std::unique_ptr<PopoverWindow> X11WindowServer::makePopoverWindow(SurfaceContent& content,
+                                                                  PopoverWindowObserver& observer) {
+    return std::make_unique<X11PopoverWindow>(desk_, content, observer);
+}
+
+}  // namespace norvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/linux/Desk.h"
+#include "platform/WindowServer.h"
+
+namespace norvane {
+
+// The windows on an X screen. Main thread only. It outlives what it makes.
+class X11WindowServer final : public WindowServer {
+ public:
+    // All parts outlive it.
+    X11WindowServer(X11Connection& connection, TextLayouts& layouts, Appearance& appearance,
+                    const MonotonicClock& clock, MainQueue& mainQueue);
+
+    std::unique_ptr<StatusItem> statusItemWithLength(double points) override;
+    std::unique_ptr<PopoverWindow> makePopoverWindow(SurfaceContent& content,
+                                                     PopoverWindowObserver& observer) override;
+
+ private:
+    X11Screen screen_;
+    OwnWindows ownWindows_;
+    OutsidePresses outsidePresses_;
+    Keyboard keyboard_;
+    Desk desk_;
+};
+
+}  // namespace norvane

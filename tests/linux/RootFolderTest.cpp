@@ -1,0 +1,140 @@
+#include "platform/linux/RootFolder.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/linux/KeptFile.h"
+
+#include "CountingFileObserver.h"
+#include "TemporaryFolder.h"
+
+namespace norvane {
+namespace {
+
+// Whoever follows the links, the answers are the same.
+class RootFolderLinks : public testing::TestWithParam<RootFolder::Links> {
+ protected:
+    TemporaryFolder machine;
+    RootFolder root() const { return RootFolder(machine.path() + "/root", nullptr, GetParam()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, RootFolderLinks,
+                         testing::Values(RootFolder::Links::kernelFollows, RootFolder::Links::weFollow));
+
+TEST_P(RootFolderLinks, AreFollowedInsideThePrefix) {
+    machine.write("/root/sys/devices/pci/disk/stat", "inside");
+    machine.link("/root/sys/class/block/disk", "../../devices/pci/disk");
+    machine.link("/root/absolute", "/sys/class/block/disk/stat");
+    machine.link("/root/sys/twice", "../absolute");
+    for (const char* path : {"/sys/devices/pci/disk/stat", "/sys/class/block/disk/stat", "/absolute",
+                             "/sys/twice", "/sys/./class//block/disk/../disk/stat"}) {
+        EXPECT_EQ(root().read(path), "inside") << path;
+    }
+    EXPECT_EQ(root().names("/sys/class/block/disk/"), std::vector<std::string>{"stat"});
+    EXPECT_EQ(root().readLink("/sys/class/block/disk"), "../../devices/pci/disk");
+    EXPECT_EQ(root().readLink("/sys/class/block/disk/stat"), std::nullopt) << "not a link";
+}
+
+TEST_P(RootFolderLinks, NeverLeadOutOfThePrefix) {
+    machine.write("/secret", "outside");
+    machine.write("/root/etc/x", "");
+    machine.link("/root/up", "../secret");
+    machine.link("/root/etc/up", "../../../../secret");
+    machine.link("/root/absolute", machine.path() + "/secret");
+    for (const char* path : {"/up", "/etc/up", "/absolute", "/../secret", "/etc/../../secret"})
+        EXPECT_EQ(root().read(path), std::nullopt) << path;
+    machine.write("/root/secret", "inside");
+    for (const char* path : {"/up", "/etc/up", "/../secret"})
+        EXPECT_EQ(root().read(path), "inside") << path;
+}
+
+TEST_P(RootFolderLinks, MayLoopOrDangle) {
+    machine.link("/root/a", "b");
+    machine.link("/root/b", "a");
+    machine.link("/root/nowhere", "missing/too");
+    EXPECT_EQ(root().read("/a"), std::nullopt);
+    EXPECT_EQ(root().read("/a/x"), std::nullopt);
+    EXPECT_EQ(root().read("/nowhere"), std::nullopt);
+    EXPECT_TRUE(root().names("/a").empty());
+}
+
+TEST(RootFolder, AnswersNothingForWhatIsMissingOrTooLong) {
+    TemporaryFolder machine;
+    machine.write("/file", "12345");
+    EXPECT_EQ(machine.root().read("/file", 5), "12345");
+    EXPECT_EQ(machine.root().read("/file", 4), std::nullopt);
+    EXPECT_EQ(machine.root().read("/none"), std::nullopt);
+    EXPECT_EQ(machine.root().read("/"), std::nullopt) << "a folder has no text";
+    EXPECT_EQ(RootFolder(machine.path() + "/none").read("/file"), std::nullopt);
+    EXPECT_EQ(RootFolder("").read(machine.path() + "/file"), "12345");
+}
+
+TEST(RootFolder, ReadsTextsLongerThanItsFirstBuffer) {
+    TemporaryFolder machine;
+    const std::string text(100'000, 'x');
+    machine.write("/file", text);
+    EXPECT_EQ(machine.root().read("/file", 100'000), text);
+}
+
+class KeptFileTest : public testing::Test {
+ protected:
+    TemporaryFolder machine;
+    std::shared_ptr<CountingFileObserver> observer = std::make_shared<CountingFileObserver>();
+};
+
+TEST_F(KeptFileTest, SeesEachNewTextThroughOneDescriptor) {
+    machine.write("/f", "one");
+    KeptFile file(machine.root(observer), "/f");
+    EXPECT_EQ(file.read(), "one");
+    machine.write("/f", "three!");
+    EXPECT_EQ(file.read(), "three!");
+    machine.write("/f", "");
+    EXPECT_EQ(file.read(), "");
+    EXPECT_EQ(observer->opened.size(), 1u);
+}
+
+TEST_F(KeptFileTest, LooksAgainForAFileThatWasMissing) {
+    KeptFile file(machine.root(observer), "/f");
+    EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_FALSE(file.exists());
+    machine.write("/f", "there");
+    EXPECT_EQ(file.read(), "there");
+    EXPECT_TRUE(file.exists());
+}
+
+TEST_F(KeptFileTest, LooksSeldomForAFileThatHardlyAnyMachineHas) {
+    KeptFile file(machine.root(observer), "/f", 100, 3);
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_EQ(observer->opened.size(), 2u);
+    machine.write("/f", "x");
+    EXPECT_EQ(file.read(), "x");
+}
+
+TEST_F(KeptFileTest, OpensAgainAfterAFailureThatIsForGood) {
+    machine.makeFolder("/f");  // opens, but cannot be read
+    KeptFile file(machine.root(observer), "/f");
+    EXPECT_EQ(file.read(), std::nullopt);
+    machine.remove("/f");
+    machine.write("/f", "now");
+    EXPECT_EQ(file.read(), "now");
+}
+
+TEST_F(KeptFileTest, KeepsTheDescriptorThroughAFailureThatMayPass) {
+    // The first page of memory is never there: an input/output error.
+    KeptFile file(RootFolder("", observer), "/proc/self/mem");
+    EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_TRUE(file.exists());
+    EXPECT_EQ(observer->opened.size(), 1u);
+}
+
+TEST_F(KeptFileTest, GivesNothingOfATextAboveTheLimit) {
+    machine.write("/f", "12345");
+    KeptFile file(machine.root(), "/f", 4);
+    EXPECT_EQ(file.read(), std::nullopt);
+    machine.write("/f", "1234");
+    EXPECT_EQ(file.read(), "1234");
+}
+
+}  // namespace
+}  // namespace norvane

@@ -1,0 +1,100 @@
+#include "DesktopTest.h"
+
+namespace norvane {
+namespace {
+
+TEST(X11ConnectionWithoutAServer, IsNoConnection) {
+    EXPECT_EQ(X11Connection::open(":7654321"), nullptr);
+    EXPECT_EQ(X11Connection::open("no display at all"), nullptr);
+}
+
+class ConnectionTest : public DesktopTest {};
+
+TEST_F(ConnectionTest, TheEndOfTheServerIsToldOnceAndEverythingEndsCleanly) {
+    SwatchContent content;
+    struct : PopoverWindowObserver {
+        void windowPressedOutside() override {}
+        void windowLostFocus() override {}
+        void windowEscapePressed() override {}
+    } observer;
+    auto item = windowServer_->statusItemWithLength(54);
+    item->setContent(&content);
+    auto popover = windowServer_->makePopoverWindow(content, observer);
+    popover->place({100, 100});
+    popover->orderFront();
+    popover->makeKeyWindow();
+    ASSERT_TRUE(comes([&] { return bystander_->windows().size() == 2; }));
+
+    int ends = 0;
+    connection_->setEndHandler([&] { ++ends; });
+    bystander_.reset();
+    xvfb_.kill();
+    ASSERT_TRUE(comes([&] { return ends > 0; }));
+    EXPECT_FALSE(connection_->isAlive());
+    // Whatever is still asked of the windows does nothing.
+    content.size = {400, 400};
+    content.change();
+    appearance_.setDark(true);
+    EXPECT_FALSE(popover->visibleFrame());
+    EXPECT_FALSE(item->buttonFrame());
+    popover->orderOut();
+    popover->place({0, 0});
+    popover->orderFront();
+    bool hasTurned = false;
+    const Cancellation turn = mainQueue_.after(std::chrono::milliseconds(1), [&] { hasTurned = true; });
+    EXPECT_TRUE(comes([&] { return hasTurned; }));
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(ConnectionTest, EventsThatCameWithARepliesAreDeliveredWithoutAnyMore) {
+    const xcb_window_t root = connection_->root();
+    int notices = 0;
+    const Cancellation events = connection_->onEvent(root, [&](const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7F) == XCB_PROPERTY_NOTIFY) ++notices;
+    });
+    bystander_->setResources("Xft.dpi: 96");
+    // The reply comes after the event, which XCB has read by then: the socket has nothing more to say.
+    const X11Reply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection_->get(), xcb_get_input_focus(connection_->get()), nullptr));
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(notices, 0);
+    EXPECT_TRUE(comes([&] { return notices == 1; }));
+}
+
+TEST_F(ConnectionTest, AFailedRequestIsNotFatal) {
+    xcb_map_window(connection_->get(), 12345);
+    const X11Reply<xcb_get_geometry_reply_t> none(
+        xcb_get_geometry_reply(connection_->get(), xcb_get_geometry(connection_->get(), 12345), nullptr));
+    EXPECT_FALSE(none);
+    EXPECT_TRUE(connection_->isAlive());
+    int changes = 0;
+    X11Screen screen(*connection_);
+    const Cancellation watch = screen.onDidChange([&] { ++changes; });
+    bystander_->setResources("Xft.dpi: 120");
+    ASSERT_TRUE(comes([&] { return changes == 1; }));
+    EXPECT_EQ(screen.scale(), 1.25);
+}
+
+TEST_F(ConnectionTest, TheVisibleFrameIsWhatPanelsLeaveOfTheSmallestMonitor) {
+    X11Screen screen(*connection_);
+    ASSERT_EQ(runOn(xvfb_.display(), {"xrandr", "--setmonitor", "left", "500/125x700/175+0+0", "none"}), 0);
+    ASSERT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 0}, {500, 700}}; }));
+    EXPECT_EQ(screen.visibleFrame({600, 10}), (Rect{{0, 0}, {1000, 700}}));
+    const auto setWorkArea = [&](const std::vector<std::uint32_t>& values) {
+        xcb_change_property(bystander_->get(), XCB_PROP_MODE_REPLACE, bystander_->root(),
+                            bystander_->atom("_NET_WORKAREA"), XCB_ATOM_CARDINAL, 32,
+                            static_cast<std::uint32_t>(values.size()), values.data());
+        bystander_->sync();
+    };
+    setWorkArea({0, 22, 1000, 678, 0, 22, 1000, 678});
+    EXPECT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 22}, {500, 678}}; }));
+    setWorkArea({1, 2});  // no area at all
+    EXPECT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 0}, {500, 700}}; }));
+    setWorkArea({600, 0, 400, 700});  // of another monitor
+    const Rect right{{600, 0}, {400, 700}};
+    EXPECT_TRUE(comes([&] { return screen.visibleFrame({700, 10}) == right; }));
+    EXPECT_EQ(screen.visibleFrame({10, 10}), (Rect{{0, 0}, {500, 700}}));
+}
+
+}  // namespace
+}  // namespace norvane

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <functional>
+#include <memory>
+
+#include "Bystander.h"
+#include "platform/Appearance.h"
+#include "platform/linux/LinuxMainQueue.h"
+#include "platform/linux/LinuxMonotonicClock.h"
+#include "platform/linux/X11WindowServer.h"
+#include "platform/Observers.h"
+#include "SwatchContent.h"
+#include "Xvfb.h"
+
+namespace norvane {
+
+class SwitchedAppearance final : public Appearance {
+ public:
+    bool isDark() const override { return isDark_; }
+    Cancellation onDidChange(std::function<void()> observer) override {
+        return changed_.add(std::move(observer));
+    }
+    void setDark(bool isDark) {
+        isDark_ = isDark;
+        changed_.tell();
+    }
+
+ private:
+    bool isDark_ = false;
+    Observers<> changed_;
+};
+
+// Runs the main loop until the state is there. False if it does not come.
+bool comes(const std::function<bool()>& state);
+
+// Our windows on an X server of this test's own, without a window manager, beside another program.
+class DesktopTest : public ::testing::Test {
+ protected:
+    void SetUp() override;
+    void TearDown() override;
+    // Connects and makes the window server, with the resources that are set then.
+    void connect(const X11Connection::Uses& uses = {});
+
+    // Until the server has done what we asked of it. The main loop does not turn.
+    void waitForTheServer() const;
+    // The same, and has the main loop do everything that follows.
+    void settle() const;
+
+    void moveTo(int x, int y) const;
+    void click(int x, int y, int button = 1) const;
+    void type(const std::string& key) const;
+
+    Xvfb xvfb_;
+    std::unique_ptr<Bystander> bystander_;
+    LinuxMonotonicClock clock_;
+    LinuxMainQueue mainQueue_;
+    SwitchedAppearance appearance_;
+    TextLayouts layouts_;
+    std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<X11WindowServer> windowServer_;
+};
+
+inline constexpr Color kGreen{0, 1, 0, 1};
+inline constexpr Color kBlue{0, 0, 1, 1};
+inline constexpr std::uint32_t kGreenPixel = 0x00FF00;
+inline constexpr std::uint32_t kBluePixel = 0x0000FF;
+inline constexpr std::uint32_t kRedPixel = 0xFF0000;
+
+}  // namespace norvane
