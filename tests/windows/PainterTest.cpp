@@ -165,6 +165,31 @@ TEST_F(PainterTest, PaintingDamageIsPaintingAll) {
     }
 }
 
+TEST_F(PainterTest, TextIsSetWhereItIsToAPartOfAPixel) {
+    const auto center = [this](double x) {
+        const Pixels pixels = paint({{120, 20}, {text("mmmmmmmm", {x, 1})}});
+        double sum = 0;
+        double weights = 0;
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            sum += static_cast<double>(i % 120) * (pixels[i] >> 24);
+            weights += pixels[i] >> 24;
+        }
+        return sum / weights;
+    };
+    EXPECT_NEAR(center(3.5) - center(3), 0.5, 0.02);
+    EXPECT_NEAR(center(4) - center(3), 1, 1e-6);
+    EXPECT_NEAR(center(8) - center(3), 5, 1e-6);
+}
+
+TEST_F(PainterTest, TextsTooLargeToKeepArePaintedAllTheSame) {
+    DisplayItem item = text("Norvane", {0, 0});
+    std::get<DrawText>(item.command).style.font.size = 400;
+    std::get<DrawText>(item.command).frame.size = {4000, 1000};
+    item.bounds = {{0, 0}, {600, 500}};
+    const Pixels pixels = paint({{600, 500}, {item}});
+    EXPECT_GT(std::count(pixels.begin(), pixels.end(), 0xFFFF0000), 10'000);
+}
+
 TEST_F(PainterTest, NothingIsPaintedOutsideOfTheDamageAndOfTheBounds) {
     const auto surface = image(20, 20);
     const PixelRect all{0, 0, 20, 20};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <sys/types.h>
+#include <optional>
+#include <string>
+
+namespace norvane {
+
+// The real program, running on a display with preferences of its own and no session bus. It ends, at the
+// latest, when this goes away.
+class Program {
+ public:
+    // An empty display is none at all.
+    explicit Program(const std::string& display);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // Asks it to end.
+    void terminate() const;
+    // The exit status, once it has ended; -1 where a signal ended it.
+    std::optional<int> exitStatus();
+    // What it has printed on standard error so far.
+    std::string errors() const;
+
+ private:
+    pid_t process_ = -1;
+    std::optional<int> status_;
+    std::string folder_;
+};
+
+}  // namespace norvane
