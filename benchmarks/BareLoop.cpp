@@ -14,7 +14,7 @@ namespace norvane {
 namespace {
 
 // Larger than any of the files on all but the largest machines.
-constexpr std::size_t kBufferBytes = 256 * 1024;
+constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
 
 // The zram devices that are swapped to.
 std::vector<unsigned> zramInUse() {

@@ -32,8 +32,11 @@ Environment Environment::without(const std::string& name) const {
 
 std::vector<std::string> Environment::entries() const {
     std::vector<std::string> entries;
-    for (const auto& [name, value] : values_)
-        entries.push_back(name + '=' + value);
+    entries.reserve(values_.size());
+    for (const auto& [name, value] : values_) {
+        std::string entry = name;
+        entries.push_back(entry.append("=").append(value));
+    }
     return entries;
 }
 

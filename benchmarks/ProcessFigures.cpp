@@ -1,7 +1,6 @@
 #include "ProcessFigures.h"
 
-#include <time.h>
-
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>

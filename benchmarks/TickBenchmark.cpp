@@ -55,8 +55,9 @@ void addPair(const std::string& name, BareLoop::Half half) {
             allocations += allocationsOnThisThread() - before;
         };
         measure(state, nothing, tick, [&] { sampler->publish(); });
-        // Rounded up, so that one allocation in a thousand ticks is seen, too.
-        state.counters[kAllocations] = static_cast<double>((allocations + kIterations - 1) / kIterations);
+        // Rounded up, so that one allocation in many ticks is seen, too.
+        const std::size_t aTick = (allocations + kIterations - 1) / kIterations;
+        state.counters[kAllocations] = static_cast<double>(aTick);
     });
 }
 
