@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "telemetry/MemoryPressure.h"
+#include "telemetry/TickCadence.h"
 
 namespace norvane {
 namespace {
@@ -71,8 +72,7 @@ void PerformanceSampler::tick() {
     ++tickCount_;
     const TickToken token{tickCount_};
     const LightReadings light = runLightHalf(token);
-    if (!isVisible && !forceFullSampleNextTick_) return;
-    runFullHalf(token, light);
+    if (cadenceOf(tickCount_, isVisible, forceFullSampleNextTick_).isFull) runFullHalf(token, light);
 }
 
 PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken token) {
