@@ -4,8 +4,8 @@
 
 namespace norvane {
 
-// What one tick owes: the slow readings come at a fraction of the ticks, and none of the dashboard's while it is
-// hidden.
+// What one tick owes: the slow readings come at a fraction of the ticks, and none of the dashboard's while it
+// is hidden.
 struct TickCadence {
     // Everything that only an open dashboard shows, and the snapshot.
     bool isFull = false;

@@ -26,7 +26,8 @@ constexpr const char* kPrinted =
     "back: fill 0,0 520x40 radius 12.5 rgba(0.1,0.2,0.3,1)\n"
     "rule: stroke 0,39.5 520x0 width 0.5 rgba(1,1,1,0.25)\n"
     "title: text \"CPU 1.5 %\" 8,8 60x16 size 13 rgba(0,0,0,1)\n"
-    "value: text \"a \\\"b\\\"\" 80,8 40x16 size 11 semibold monospaced tabular spacing 2 trailing condensed 0.75 "
+    "value: text \"a \\\"b\\\"\" 80,8 40x16 size 11 semibold monospaced tabular spacing 2 trailing condensed "
+    "0.75 "
     "rgba(0,0,0,1)\n";
 
 TEST(PrintedDisplayList, TellsALineForEachItem) {

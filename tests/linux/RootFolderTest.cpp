@@ -25,8 +25,9 @@ TEST_P(RootFolderLinks, AreFollowedInsideThePrefix) {
     machine.link("/root/sys/class/block/disk", "../../devices/pci/disk");
     machine.link("/root/absolute", "/sys/class/block/disk/stat");
     machine.link("/root/sys/twice", "../absolute");
+    machine.link("/root/sys/class/deep", "/sys/devices/pci/disk");
     for (const char* path : {"/sys/devices/pci/disk/stat", "/sys/class/block/disk/stat", "/absolute",
-                             "/sys/twice", "/sys/./class//block/disk/../disk/stat"}) {
+                             "/sys/twice", "/sys/class/deep/stat", "/sys/./class//block/disk/../disk/stat"}) {
         EXPECT_EQ(root().read(path), "inside") << path;
     }
     EXPECT_EQ(root().names("/sys/class/block/disk/"), std::vector<std::string>{"stat"});

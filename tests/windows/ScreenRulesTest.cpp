@@ -33,7 +33,7 @@ TEST(XftScale, IsReadFromTheResourcesAndStaysSane) {
         {"Xft.dpi", 1},
         {std::string("Xft.dpi: 19\0"
                      "2",
-                     12),
+                     13),
          1},
         {"Xft.dpi: 9999999999999999999999999999999999e99999", 1},
     };

@@ -3,6 +3,7 @@
 #include <pango/pangocairo.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <variant>
@@ -16,8 +17,8 @@ namespace {
 // Cairo keeps device coordinates in 24.8 fixed point and the image backend in 16.16. Beyond this distance
 // in pixels nothing is visible on any surface, and well within it both are exact.
 constexpr double kFarthestPixel = 16'000;
-// Pixels of a text beyond this are not seen.
-constexpr int kLargestMask = 4096;
+// Pixels. A larger text is not worth keeping.
+constexpr std::int64_t kLargestMask = 512 * 1024;
 // A text is put on the grid to this part of a pixel.
 constexpr double kPhases = 4;
 constexpr double kNarrowest = 0.01;
@@ -41,30 +42,38 @@ void eachLine(PangoLayout* layout, double top, double scale, Function function) 
     } while (pango_layout_iter_next_line(lines.get()) != 0);
 }
 
-TextMask maskOf(PangoLayout* layout, const TextMask::Grid& grid) {
-    TextMask mask{.grid = grid};
+// What the text's ink covers, from the pixel in which the text's corner is.
+PixelRect inkOf(PangoLayout* layout, const TextMask::Grid& grid) {
     PangoRectangle ink;
     pango_layout_get_extents(layout, &ink, nullptr);
-    const Rect inked{{pango_units_to_double(ink.x) * grid.condense, pango_units_to_double(ink.y)},
-                     {pango_units_to_double(ink.width) * grid.condense, pango_units_to_double(ink.height)}};
+    const Rect points{{pango_units_to_double(ink.x) * grid.condense, pango_units_to_double(ink.y)},
+                      {pango_units_to_double(ink.width) * grid.condense, pango_units_to_double(ink.height)}};
     // Room for the edges, and for the baseline's way to its pixel.
-    const Rect room = inked.isEmpty() ? Rect{} : inked.outset(2 / grid.scale);
-    PixelRect pixels = pixelsCovering(room, grid.scale);
-    pixels = pixels.intersection({-kLargestMask, -kLargestMask, 2 * kLargestMask, 2 * kLargestMask});
-    if (pixels.isEmpty()) return mask;
-    mask.coverage.reset(cairo_image_surface_create(CAIRO_FORMAT_A8, pixels.width, pixels.height));
-    mask.left = pixels.x;
-    mask.top = pixels.y;
-    mask.bytes = static_cast<std::size_t>(cairo_image_surface_get_stride(mask.coverage.get())) *
-                 static_cast<std::size_t>(pixels.height);
-    const CairoContext context(cairo_create(mask.coverage.get()));
-    cairo_translate(context.get(), grid.x - mask.left, -mask.top);
-    cairo_scale(context.get(), grid.scale * grid.condense, grid.scale);
+    return points.isEmpty() ? PixelRect{} : pixelsCovering(points.outset(2 / grid.scale), grid.scale);
+}
+
+// Fills the text's outlines with the source, in a context whose origin is the pixel of the text's corner.
+void fillOutlines(cairo_t* context, PangoLayout* layout, const TextMask::Grid& grid) {
+    cairo_translate(context, grid.x, 0);
+    cairo_scale(context, grid.scale * grid.condense, grid.scale);
     eachLine(layout, grid.y / grid.scale, grid.scale, [&](PangoLayoutLine* line, double x, double baseline) {
-        cairo_move_to(context.get(), x, baseline);
-        pango_cairo_layout_line_path(context.get(), line);
+        cairo_move_to(context, x, baseline);
+        pango_cairo_layout_line_path(context, line);
     });
-    cairo_fill(context.get());
+    cairo_fill(context);
+}
+
+TextMask maskOf(PangoLayout* layout, const TextMask::Grid& grid, const PixelRect& ink) {
+    TextMask mask;
+    mask.grid = grid;
+    if (ink.isEmpty()) return mask;
+    mask.coverage.reset(cairo_image_surface_create(CAIRO_FORMAT_A8, ink.width, ink.height));
+    mask.left = ink.x;
+    mask.top = ink.y;
+    mask.bytes = static_cast<std::size_t>(ink.width) * static_cast<std::size_t>(ink.height);
+    const CairoContext context(cairo_create(mask.coverage.get()));
+    cairo_translate(context.get(), -ink.x, -ink.y);
+    fillOutlines(context.get(), layout, grid);
     cairo_surface_flush(mask.coverage.get());
     return mask;
 }
@@ -132,10 +141,8 @@ class Part {
             return;
         }
         PangoLayout* const layout = layouts_.layout(text.text, text.style, text.frame.size.width);
-        // The image backend puts each glyph on a whole pixel. Where pixels are large that tears words apart:
-        // there the outlines are filled where they belong, once, and what came of it is kept.
-        if (layouts_.isHinted() && layouts_.isOutlined()) {
-            paintMask(layout, text);
+        if (layouts_.isOutlined()) {
+            paintOutlines(layout, text);
         } else {
             cairo_translate(context_.get(), at.x, 0);
             cairo_scale(context_.get(), text.condense, 1);
@@ -148,19 +155,27 @@ class Part {
     }
 
  private:
-    void paintMask(PangoLayout* layout, const DrawText& text) {
+    // The image backend puts each glyph on a whole pixel, which tears words apart where pixels are large. So
+    // the outlines are filled where they belong, once, and what came of it is kept: that is faster as well.
+    void paintOutlines(PangoLayout* layout, const DrawText& text) {
         const double scale = placement_.scale;
-        const Point corner{text.frame.minX() * scale, text.frame.minY() * scale};
-        const double left = std::floor(corner.x * kPhases) / kPhases;
-        const double top = std::floor(corner.y * kPhases) / kPhases;
-        const Point pixel{std::floor(left), std::floor(top)};
-        const TextMask::Grid grid{scale, text.condense, left - pixel.x, top - pixel.y};
-        const TextMask* mask = layouts_.mask(grid);
-        if (mask == nullptr) mask = &layouts_.keep(maskOf(layout, grid));
-        if (!mask->coverage) return;
+        const double left = std::floor(text.frame.minX() * scale * kPhases) / kPhases;
+        const double top = std::floor(text.frame.minY() * scale * kPhases) / kPhases;
+        const double x = std::floor(left);
+        const double y = std::floor(top);
+        const TextMask::Grid grid{scale, text.condense, left - x, top - y};
         cairo_identity_matrix(context_.get());
-        cairo_mask_surface(context_.get(), mask->coverage.get(), placement_.x + pixel.x + mask->left,
-                           placement_.y + pixel.y + mask->top);
+        cairo_translate(context_.get(), placement_.x + x, placement_.y + y);
+        const TextMask* mask = layouts_.mask(grid);
+        if (mask == nullptr) {
+            const PixelRect ink = inkOf(layout, grid);
+            if (std::int64_t{ink.width} * ink.height > kLargestMask) {
+                fillOutlines(context_.get(), layout, grid);
+                return;
+            }
+            mask = &layouts_.keep(maskOf(layout, grid, ink));
+        }
+        if (mask->coverage) cairo_mask_surface(context_.get(), mask->coverage.get(), mask->left, mask->top);
     }
 
     double farthest() const { return kFarthestPixel / placement_.scale; }

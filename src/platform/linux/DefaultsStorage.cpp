@@ -113,7 +113,8 @@ class TemporaryFile {
         : path_(directoryPart(target) + "/." + namePart(target) + std::string(kTemporaryVariable) +
                 std::string(kTemporarySuffix)) {
         // It has mode 0600.
-        const FileDescriptor file(mkostemps(path_.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC));
+        const FileDescriptor file(
+            mkostemps(path_.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC));
         isThere_ = static_cast<bool>(file);
         isComplete_ = isThere_ && writeAll(file.get(), text) && flush(file.get());
     }

@@ -27,7 +27,7 @@ class DirectoryWatch {
     bool takeChange();
 
  private:
-    FileDescriptor descriptor_;  // of inotify
+    FileDescriptor descriptor_;                   // of inotify
     std::map<int, std::set<std::string>> names_;  // what to look for, by watch
 };
 

@@ -18,16 +18,16 @@
 
 namespace norvane {
 
-// This Linux machine behind every port. Main thread only; there is one at a time in a process, made before any
-// other thread.
+// This Linux machine behind every port. Main thread only; there is one at a time in a process, made before
+// any other thread.
 class LinuxMachine {
  public:
     // Null where there is no display to show anything on.
     static std::unique_ptr<LinuxMachine> open();
 
     Platform platform();
-    // Runs the main loop until the application is terminated or the display goes away; gives the process' exit
-    // status.
+    // Runs the main loop until the application is terminated or the display goes away; gives the process'
+    // exit status.
     int run() { return application_.run(); }
 
  private:

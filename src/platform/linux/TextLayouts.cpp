@@ -175,8 +175,9 @@ PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, 
         return entries_.front().layout.get();
     }
 
-    entries_.push_front({std::string(text), {}, set(text, bounds, units)});
-    Entry& entry = entries_.front();
+    Entry& entry = entries_.emplace_front();
+    entry.text = text;
+    entry.layout = set(text, bounds, units);
     entry.key = {entry.text, bounds, units};
     entry.isOutlined = hasOnlyOutlines(entry.layout.get());
     places_.emplace(entry.key, entries_.begin());

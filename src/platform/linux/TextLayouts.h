@@ -40,8 +40,6 @@ class TextLayouts {
     // for each text, and they are dropped with it.
     const TextMask* mask(const TextMask::Grid& grid) const;
     const TextMask& keep(TextMask mask);
-    // Whether pixels are large at the present scale.
-    bool isHinted() const { return hinted_; }
 
     // What is kept, and never more of it than the bounds below.
     std::size_t count() const { return entries_.size(); }

@@ -27,8 +27,8 @@ class X11Connection {
         bool input = true;
     };
 
-    // Connects to the named display, or to the one that DISPLAY names. Null where there is none, where it does
-    // not let us in, or where its screen has no visual with 8 bits for each colour.
+    // Connects to the named display, or to the one that DISPLAY names. Null where there is none, where it
+    // does not let us in, or where its screen has no visual with 8 bits for each colour.
     static std::unique_ptr<X11Connection> open(const char* display = nullptr) {
         return open(display, {.shm = true, .input = true});
     }
