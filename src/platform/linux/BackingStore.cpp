@@ -82,8 +82,8 @@ bool BackingStore::handle(const xcb_generic_event_t& event) {
 }
 
 void BackingStore::present(std::span<const PixelRect> parts) {
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        const PixelRect part = parts[i].intersection(bounds());
+    for (const PixelRect& asked : parts) {
+        const PixelRect part = asked.intersection(bounds());
         if (part.isEmpty()) continue;
         if (shared_ == nullptr) {
             send(part);

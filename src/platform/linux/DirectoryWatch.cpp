@@ -54,12 +54,12 @@ bool DirectoryWatch::takeChange() {
             std::memcpy(&event, events.data() + at, sizeof event);
             const char* const name = events.data() + at + sizeof event;
             const auto names = names_.find(event.wd);
+            const bool isWatched = names != names_.end();
             // The kernel lost some, or a directory went away with its watch.
-            if ((event.mask & (IN_Q_OVERFLOW | IN_IGNORED)) != 0 && (event.wd < 0 || names != names_.end())) {
-                isOurs = true;
-            } else if (names != names_.end() && event.len > 0 && names->second.contains(name)) {
-                isOurs = true;
-            }
+            const bool mayBeAnything =
+                (event.mask & (IN_Q_OVERFLOW | IN_IGNORED)) != 0 && (event.wd < 0 || isWatched);
+            const bool isNamed = isWatched && event.len > 0 && names->second.contains(name);
+            if (mayBeAnything || isNamed) isOurs = true;
             at += sizeof event + event.len;
         }
     }

@@ -21,9 +21,8 @@ bool isArm64(std::string_view machine) {
 
 }  // namespace
 
-LinuxSysctl::LinuxSysctl(const RootFolder& root, KernelFiles& files, ProcessorSet& processors,
-                         std::string machine)
-    : root_(root), files_(files), processors_(processors), machine_(std::move(machine)) {}
+LinuxSysctl::LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine)
+    : root_(std::move(root)), files_(files), processors_(processors), machine_(std::move(machine)) {}
 
 std::optional<std::int64_t> LinuxSysctl::sysctlbyname(SysctlNumber name, TickToken tick) {
     if (name == SysctlNumber::kern_memorystatus_vm_pressure_level) return pressureLevel(tick);

@@ -13,7 +13,7 @@ namespace norvane {
 class LinuxSysctl final : public Sysctl {
  public:
     // `machine` is the kind of machine as uname(2) gives it. The references outlive this.
-    LinuxSysctl(const RootFolder& root, KernelFiles& files, ProcessorSet& processors, std::string machine);
+    LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine);
 
     std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken tick) override;
     std::optional<std::string> sysctlbyname(SysctlText name) override;

@@ -180,7 +180,7 @@ int ThermalZones::packageLevel(Package& package) {
     const Package::Reading reading{*milliseconds, now_()};
     const auto last = std::exchange(package.last, reading);
     if (!last || reading.milliseconds <= last->milliseconds || reading.at <= last->at) return 0;
-    const double throttled = static_cast<double>(reading.milliseconds - last->milliseconds);
+    const auto throttled = static_cast<double>(reading.milliseconds - last->milliseconds);
     const double elapsed = std::chrono::duration<double, std::milli>(reading.at - last->at).count();
     if (throttled >= elapsed * 0.5) return 2;
     return throttled >= elapsed * 0.05 ? 1 : 0;

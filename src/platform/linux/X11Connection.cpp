@@ -54,10 +54,10 @@ struct X11Connection::Source {
         static GSourceFuncs functions = {
             [](GSource* source, gint* timeout) -> gboolean {
                 *timeout = -1;
-                X11Connection& connection = connectionOf(source);
+                X11Connection& owner = connectionOf(source);
                 // First: a write that has to wait reads events meanwhile.
-                xcb_flush(connection.connection_);
-                return connection.hasEventWaiting();
+                xcb_flush(owner.connection_);
+                return owner.hasEventWaiting();
             },
             [](GSource* source) -> gboolean { return connectionOf(source).hasEventArrived(); },
             [](GSource* source, GSourceFunc, gpointer) -> gboolean {
