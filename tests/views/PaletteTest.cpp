@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drawing/PanelTones.h"
+
 namespace norvane {
 namespace {
 
@@ -21,23 +23,20 @@ double contrast(const Color& a, const Color& b) {
     return (light + 0.05) / (dark + 0.05);
 }
 
-TEST(Palette, TextsAndStatusesStandOutFromThePanel) {
-    struct Panel {
-        const char* name;
-        const Palette& palette;
-        Color background;
-    };
-    for (const Panel& panel : {Panel{"light", Palette::light(), {0.965, 0.969, 0.976, 1}},
-                               Panel{"dark", Palette::dark(), {0.125, 0.133, 0.149, 1}}}) {
-        for (const Ink ink :
-             {Ink::primary, Ink::secondary, Ink::labelColor, Ink::secondaryLabelColor, Ink::red, Ink::orange,
-              Ink::yellow, Ink::green, Ink::teal, Ink::blue, Ink::purple}) {
-            EXPECT_GE(contrast(panel.palette.color(ink), panel.background), 4.5)
-                << panel.name << " ink " << static_cast<int>(ink);
+TEST(Palette, TextsAndStatusesStandOutFromWhatIsBehindThem) {
+    for (const bool isDark : {false, true}) {
+        const Palette& palette = Palette::of(isDark);
+        const PanelTones& tones = panelTones(isDark);
+        for (const Ink ink : {Ink::primary, Ink::secondary, Ink::red, Ink::orange, Ink::yellow, Ink::green,
+                              Ink::teal, Ink::blue, Ink::purple}) {
+            EXPECT_GE(contrast(palette.color(ink), tones.panel), 4.5)
+                << (isDark ? "dark" : "light") << " panel, ink " << static_cast<int>(ink);
         }
-        EXPECT_GE(contrast(panel.palette.color(Ink::controlAccentColor), panel.palette.color(Ink::white)),
-                  4.5)
-            << panel.name;
+        for (const Ink ink : {Ink::labelColor, Ink::secondaryLabelColor}) {
+            EXPECT_GE(contrast(palette.color(ink), tones.strip), 4.5)
+                << (isDark ? "dark" : "light") << " strip, ink " << static_cast<int>(ink);
+        }
+        EXPECT_GE(contrast(palette.color(Ink::controlAccentColor), palette.color(Ink::white)), 4.5);
     }
 }
 

@@ -8,9 +8,9 @@
 #include <thread>
 
 #include "DesktopTest.h"
+#include "drawing/PanelTones.h"
 #include "platform/linux/CairoHandles.h"
 #include "platform/linux/CairoPainter.h"
-#include "platform/linux/PanelTones.h"
 #include "platform/linux/PangoTextRuler.h"
 #include "Program.h"
 #include "shell/PassthroughHostingView.h"

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/PanelTones.h"
+#include "drawing/PanelTones.h"
 #include "platform/linux/X11Event.h"
 #include "platform/linux/X11Properties.h"
 #include "platform/StatusItem.h"

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/PanelTones.h"
+#include "drawing/PanelTones.h"
 #include "platform/linux/RoundedPath.h"
 #include "platform/linux/SoftShadow.h"
 #include "platform/linux/X11Event.h"

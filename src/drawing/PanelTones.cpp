@@ -1,4 +1,4 @@
-#include "platform/linux/PanelTones.h"
+#include "drawing/PanelTones.h"
 
 namespace norvane {
 
