@@ -456,16 +456,6 @@ TEST(Application, EndsOnASignalAndIgnoresAReaderThatWentAway) {
     }
 }
 
-TEST(Application, IsActivatedByWhoeverHasTheWindows) {
-    LinuxMainQueue queue;
-    LinuxApplication application(queue);
-    application.activateIgnoringOtherApps();
-    int activations = 0;
-    application.setActivationHandler([&] { ++activations; });
-    application.activateIgnoringOtherApps();
-    EXPECT_EQ(activations, 1);
-}
-
 TEST(Clocks, AgreeWithTheLibrarysOwn) {
     const auto wallBefore = std::chrono::system_clock::now().time_since_epoch();
     const auto wall = LinuxWallClock().now().time_since_epoch();

@@ -199,6 +199,26 @@ TEST_F(PopoverTest, TheKeyboardGoesBackToWhereItWas) {
     EXPECT_EQ(observer_.focusLosses, 0) << "it was given, not lost";
 }
 
+TEST_F(PopoverTest, AKeyboardThatMerelyFollowsThePointerComesBackWithIt) {
+    const xcb_window_t other = bystander_->open({600, 300, 100, 100});
+    open();
+    moveTo(650, 350);
+    bystander_->focus(other);  // as window managers do that focus what the pointer is over
+    settle();
+    EXPECT_EQ(observer_.focusLosses, 0);
+    moveTo(310, 115);
+    EXPECT_TRUE(comes([&] { return bystander_->focused() == window(); }));
+    EXPECT_EQ(observer_.focusLosses, 0);
+    bystander_->focus(other);  // the pointer is elsewhere: a choice
+    EXPECT_TRUE(comes([&] { return observer_.focusLosses == 1; }));
+}
+
+TEST_F(PopoverTest, StaysOnAScreenOfAnotherScale) {
+    open();
+    bystander_->setResources("Xft.dpi: 288");  // its corner would be at 900, 300, its far corner at 1500, 660
+    EXPECT_TRUE(comes([&] { return bystander_->windowAt({Xvfb::kWidth - 600, 300, 600, 360}).has_value(); }));
+}
+
 TEST_F(PopoverTest, MayBeEndedByWhatItTells) {
     const struct {
         const char* name;

@@ -117,6 +117,17 @@ TEST_F(StripTest, ComesBackToTheFrontButDoesNotFightForIt) {
     EXPECT_LE(returns, 4);
 }
 
+TEST_F(StripTest, ComesBackWhenSomebodyTakesItOffTheScreen) {
+    show();
+    xcb_unmap_window(bystander_->get(), window());
+    bystander_->sync();
+    ASSERT_TRUE(comes([&] { return bystander_->pixelAt(kStrip.x + 8, 8) != kGreenPixel; }));
+    EXPECT_TRUE(comes([&] { return bystander_->pixelAt(kStrip.x + 8, 8) == kGreenPixel; }));
+    xcb_destroy_window(bystander_->get(), window());
+    bystander_->sync();
+    EXPECT_TRUE(comes([&] { return bystander_->pixelAt(kStrip.x + 8, 8) == kGreenPixel; }));
+}
+
 TEST_F(StripTest, FollowsItsLength) {
     show();
     item_->setLength(StatusItem::kSquareLength);

@@ -58,10 +58,6 @@ void LinuxApplication::terminate() {
     g_main_loop_quit(loop_);
 }
 
-void LinuxApplication::activateIgnoringOtherApps() {
-    if (activate_) activate_();
-}
-
 gboolean LinuxApplication::signalCame(gint descriptor, GIOCondition, gpointer application) {
     if (takeSignal(descriptor)) static_cast<LinuxApplication*>(application)->terminate();
     return G_SOURCE_CONTINUE;

@@ -2,7 +2,6 @@
 
 #include <glib.h>
 #include <signal.h>
-#include <functional>
 
 #include "platform/Application.h"
 #include "platform/linux/FileDescriptor.h"
@@ -26,17 +25,14 @@ class LinuxApplication final : public Application {
     int run();
 
     void terminate() override;
-    void activateIgnoringOtherApps() override;
-
-    // What brings the application's windows in front of the user. Whoever has the windows sets it.
-    void setActivationHandler(std::function<void()> handler) { activate_ = std::move(handler); }
+    // Nothing to do: each of our windows comes to the front, and asks for the keyboard, when it is shown.
+    void activateIgnoringOtherApps() override {}
 
  private:
     static gboolean signalCame(gint descriptor, GIOCondition condition, gpointer application);
 
     LinuxMainQueue& mainQueue_;
     GMainLoop* loop_;
-    std::function<void()> activate_;
     bool isTerminated_ = false;
     FileDescriptor signals_;  // a signalfd
     guint signalSource_ = 0;

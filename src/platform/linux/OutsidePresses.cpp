@@ -6,15 +6,6 @@
 #include "platform/linux/X11Event.h"
 
 namespace norvane {
-namespace {
-
-// Buttons 4 to 7 are the turns of a wheel.
-bool isWheel(std::uint32_t button) {
-    return button >= 4 && button <= 7;
-}
-
-}  // namespace
-
 OutsidePresses::OutsidePresses(X11Connection& connection, const OwnWindows& ownWindows)
     : connection_(connection), ownWindows_(ownWindows) {
     if (!isAvailable()) return;

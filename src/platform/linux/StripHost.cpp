@@ -21,6 +21,8 @@ constexpr std::chrono::nanoseconds kLongestWait = 30s;
 // Left alone for so long, it comes back at once again.
 constexpr std::chrono::nanoseconds kCalm = 60s;
 
+constexpr std::chrono::nanoseconds kOfferAgain = 2s;
+
 constexpr std::uint32_t kOnAllDesktops = 0xFFFFFFFF;
 
 }  // namespace
@@ -205,6 +207,18 @@ void StripHost::handle(const xcb_generic_event_t& event) {
             if (visibility_ != XCB_VISIBILITY_UNOBSCURED) comeBackSoon();
             return;
         }
+        case XCB_MAP_NOTIFY:
+            offerAgain_.cancel();
+            return;
+        case XCB_DESTROY_NOTIFY:
+            events_.cancel();
+            surface_.release();
+            window_ = XCB_NONE;
+            isReparented_ = false;
+            [[fallthrough]];
+        case XCB_UNMAP_NOTIFY:
+            offerAgainLater();
+            return;
         case XCB_REPARENT_NOTIFY:
             isReparented_ = eventAs<xcb_reparent_notify_event_t>(event).parent != desk_.connection.root();
             return;
@@ -231,6 +245,17 @@ void StripHost::followPlace(const xcb_configure_notify_event_t& event) {
     }
     frame_ = place;
     desk_.ownWindows.move(window_, frame_);
+}
+
+// Somebody took it off the screen: without it there is no way to us. A window manager that adopts it shows it
+// again by itself; whoever else did it is not fought with.
+void StripHost::offerAgainLater() {
+    offerAgain_ = desk_.mainQueue.after(kOfferAgain, [this] {
+        shown_.cancel();
+        isOffered_ = false;
+        visibility_ = XCB_VISIBILITY_UNOBSCURED;
+        updateSoon();
+    });
 }
 
 void StripHost::comeBackSoon() {

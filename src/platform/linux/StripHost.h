@@ -31,6 +31,7 @@ class StripHost final : public StatusItemHost {
     DisplayList picture() const;
     void handle(const xcb_generic_event_t& event);
     void followPlace(const xcb_configure_notify_event_t& event);
+    void offerAgainLater();
     void comeBackSoon();
     void comeBack();
 
@@ -56,6 +57,7 @@ class StripHost final : public StatusItemHost {
     bool isUpdateDue_ = false;
     Cancellation update_;
     Cancellation comeBack_;
+    Cancellation offerAgain_;
     Cancellation events_;
     Cancellation shown_;
     Cancellation appearance_;

@@ -182,6 +182,12 @@ PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, 
     entry.isOutlined = hasOnlyOutlines(entry.layout.get());
     places_.emplace(entry.key, entries_.begin());
     bytes_ += entry.text.size();
+    evict();
+    return entries_.front().layout.get();
+}
+
+// The latest used one stays, whatever its size.
+void TextLayouts::evict() {
     while (entries_.size() > 1 && (entries_.size() > kMostLayouts || bytes_ > kMostBytes)) {
         bytes_ -= entries_.back().text.size();
         for (const TextMask& mask : entries_.back().masks)
@@ -189,7 +195,6 @@ PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, 
         places_.erase(entries_.back().key);
         entries_.pop_back();
     }
-    return entries_.front().layout.get();
 }
 
 const TextMask* TextLayouts::mask(const TextMask::Grid& grid) const {
@@ -206,7 +211,9 @@ const TextMask& TextLayouts::keep(TextMask mask) {
         masks.erase(masks.begin());
     }
     bytes_ += mask.bytes;
-    return masks.emplace_back(std::move(mask));
+    masks.push_back(std::move(mask));
+    evict();
+    return masks.back();
 }
 
 PangoContext* TextLayouts::context() {

@@ -51,6 +51,7 @@ class TextLayouts {
     static constexpr std::size_t kMostMasks = 4;            // of each text
 
  private:
+    void evict();
     struct Key {
         std::string_view text;  // of the entry that it leads to
         TextStyle style;

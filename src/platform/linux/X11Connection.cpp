@@ -130,7 +130,8 @@ bool X11Connection::introduce(int screenNumber) {
     if (input_.isPresent) {
         const X11Reply<xcb_input_xi_query_version_reply_t> reply(
             xcb_input_xi_query_version_reply(connection_, input, nullptr));
-        input_.isPresent = reply && isAtLeast(reply->major_version, reply->minor_version, 2, 0);
+        // 2.1 for presses that come past grabs, 2.2 for touches.
+        input_.isPresent = reply && isAtLeast(reply->major_version, reply->minor_version, 2, 2);
     }
     if (randr_.isPresent) {
         const X11Reply<xcb_randr_query_version_reply_t> reply(

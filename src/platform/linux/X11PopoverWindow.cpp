@@ -27,6 +27,15 @@ constexpr double kShadowDrop = 5;
 constexpr auto kHoldRetry = 20ms;
 constexpr int kHoldAttempts = 50;
 
+// Whether a change of the keyboard's focus is one of the window and lasts. A grab borrows the keyboard and
+// gives it back; the other details tell of a part of the window, or of the pointer being over it while
+// another has the focus.
+bool isOfTheWindowItself(const xcb_focus_in_event_t& event) {
+    if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return false;
+    return event.detail != XCB_NOTIFY_DETAIL_INFERIOR && event.detail != XCB_NOTIFY_DETAIL_POINTER &&
+           event.detail != XCB_NOTIFY_DETAIL_POINTER_ROOT && event.detail != XCB_NOTIFY_DETAIL_NONE;
+}
+
 double plainLength(double points) {
     return std::isfinite(points) && points > 0 ? points : 0;
 }
@@ -290,6 +299,7 @@ void X11PopoverWindow::adapt() {
     const bool isOtherKind = isTranslucent_ != (desk_.screen.isComposited() &&
                                                 desk_.connection.translucentVisual().id != XCB_NONE);
     if (!isOtherKind) {
+        stayOnScreen();
         repaintSoon();
         return;
     }
@@ -304,6 +314,18 @@ void X11PopoverWindow::adapt() {
     if (!wasShown) return;
     orderFront();
     if (hadFocus) makeKeyWindow();
+}
+
+// At another scale, or on the monitors that are left, the same place may be out of sight, with the keyboard
+// in it.
+void X11PopoverWindow::stayOnScreen() {
+    const auto free = visibleFrame();
+    if (!free) return;
+    const auto within = [](double at, double length, double from, double to) {
+        return std::max(from, std::min(at, to - length));
+    };
+    topLeft_ = {within(topLeft_.x, size_.width, free->minX(), free->maxX()),
+                within(topLeft_.y, size_.height, free->minY(), free->maxY())};
 }
 
 void X11PopoverWindow::repaintSoon() {
@@ -363,7 +385,7 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
             return;
         }
         case XCB_FOCUS_IN:
-            hasFocus_ = true;
+            if (isOfTheWindowItself(eventAs<xcb_focus_in_event_t>(event))) hasFocus_ = true;
             return;
         case XCB_FOCUS_OUT:
             focusLeft(eventAs<xcb_focus_out_event_t>(event));
@@ -381,6 +403,7 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
         }
         case XCB_ENTER_NOTIFY: {
             const auto& enter = eventAs<xcb_enter_notify_event_t>(event);
+            if (wantsFocus_ && isMapped_) askForTheTime();
             pointer(PointerEvent::Kind::move, enter.event_x, enter.event_y);
             return;
         }
@@ -417,7 +440,8 @@ void X11PopoverWindow::pointer(PointerEvent::Kind kind, int x, int y) {
 void X11PopoverWindow::pressed(const xcb_button_press_event_t& event) {
     // Only a held pointer brings presses from outside.
     if (!panelFrame().contains(event.root_x, event.root_y)) {
-        const bool isElsewhere = !desk_.ownWindows.cover(event.root_x, event.root_y);
+        const bool isElsewhere =
+            !isWheel(event.detail) && !desk_.ownWindows.cover(event.root_x, event.root_y);
         if (isElsewhere && !desk_.outsidePresses.isAvailable()) observer_.windowPressedOutside();
         return;
     }
@@ -432,13 +456,7 @@ void X11PopoverWindow::keyPressed(const xcb_key_press_event_t& event) {
 }
 
 void X11PopoverWindow::focusLeft(const xcb_focus_out_event_t& event) {
-    // A grab borrows the keyboard and gives it back.
-    if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return;
-    // The window is not the one that had it: the pointer was over it, or it went to a part of the window.
-    if (event.detail == XCB_NOTIFY_DETAIL_INFERIOR || event.detail == XCB_NOTIFY_DETAIL_POINTER ||
-        event.detail == XCB_NOTIFY_DETAIL_POINTER_ROOT || event.detail == XCB_NOTIFY_DETAIL_NONE) {
-        return;
-    }
+    if (!isOfTheWindowItself(event)) return;
     if (!std::exchange(hasFocus_, false) || stage_ != Stage::shown) return;
     xcb_connection_t* const server = desk_.connection.get();
     const auto focusCookie = xcb_get_input_focus(server);
@@ -450,7 +468,31 @@ void X11PopoverWindow::focusLeft(const xcb_focus_out_event_t& event) {
     if (desk_.ownWindows.include(focus->focus)) return;
     // A panel that takes the keyboard while our item is being clicked: the click itself says what to do.
     if ((at->mask & XCB_KEY_BUT_MASK_BUTTON_1) != 0 && desk_.ownWindows.cover(at->root_x, at->root_y)) return;
+    // Where the keyboard follows the pointer, it went along on the pointer's way: nobody chose another
+    // window, and presses outside are told otherwise. It is wanted again when the pointer comes.
+    if (desk_.outsidePresses.isAvailable() && isUnder(*at, focus->focus)) {
+        wantsFocus_ = true;
+        return;
+    }
     observer_.windowLostFocus();
+}
+
+// Whether that window is what the pointer is over, with no button pressed.
+bool X11PopoverWindow::isUnder(const xcb_query_pointer_reply_t& pointer, xcb_window_t window) const {
+    constexpr unsigned kAnyButton =
+        XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3;
+    if (window <= XCB_INPUT_FOCUS_POINTER_ROOT || window == desk_.connection.root() ||
+        (pointer.mask & kAnyButton) != 0) {
+        return false;
+    }
+    xcb_connection_t* const server = desk_.connection.get();
+    const auto placeCookie =
+        xcb_translate_coordinates(server, desk_.connection.root(), window, pointer.root_x, pointer.root_y);
+    const auto sizeCookie = xcb_get_geometry(server, window);
+    const X11Reply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(server, placeCookie, nullptr));
+    const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(server, sizeCookie, nullptr));
+    return place && size && PixelRect{0, 0, size->width, size->height}.contains(place->dst_x, place->dst_y);
 }
 
 // Focus is asked for and given back with the server's time of the request, so that a choice that the user, or

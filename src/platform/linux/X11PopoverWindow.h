@@ -54,6 +54,8 @@ class X11PopoverWindow final : public PopoverWindow {
     void pressed(const xcb_button_press_event_t& event);
     void keyPressed(const xcb_key_press_event_t& event);
     void focusLeft(const xcb_focus_out_event_t& event);
+    bool isUnder(const xcb_query_pointer_reply_t& pointer, xcb_window_t window) const;
+    void stayOnScreen();
     void askForTheTime();
     void takeFocus(xcb_timestamp_t time);
     void giveFocusBack();
