@@ -4,11 +4,16 @@
 #include "platform/Appearance.h"
 #include "platform/Application.h"
 #include "platform/Dispatch.h"
+#include "platform/FileManager.h"
 #include "platform/HostPort.h"
 #include "platform/MonotonicClock.h"
+#include "platform/PowerSources.h"
 #include "platform/ProcessInfo.h"
+#include "platform/Registry.h"
+#include "platform/StandardOutput.h"
 #include "platform/Sysctl.h"
 #include "platform/UserDefaults.h"
+#include "platform/UserNotificationCenter.h"
 #include "platform/UUIDSource.h"
 #include "platform/WallClock.h"
 #include "platform/WindowServer.h"
@@ -24,6 +29,11 @@ struct Platform {
     HostPort& hostPort;
     Sysctl& sysctl;
     ProcessInfo& processInfo;
+    Registry& registry;
+    PowerSources& powerSources;
+    FileManager& fileManager;
+    UserNotificationCenter& userNotificationCenter;
+    StandardOutput& standardOutput;
     UserDefaults& userDefaults;
     UUIDSource& uuidSource;
     TextRuler& textRuler;

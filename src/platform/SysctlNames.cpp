@@ -24,6 +24,8 @@ std::string_view nameOf(SysctlNumber name) {
 
 std::string_view nameOf(SysctlText name) {
     switch (name) {
+        case SysctlText::hw_model:
+            return "hw.model";
         case SysctlText::machdep_cpu_brand_string:
             return "machdep.cpu.brand_string";
     }

@@ -17,6 +17,7 @@ enum class SysctlNumber {
 
 // Named kernel values that are texts.
 enum class SysctlText {
+    hw_model,
     machdep_cpu_brand_string,
 };
 

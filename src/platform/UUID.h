@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 namespace norvane {
 
@@ -11,5 +12,8 @@ struct UUID {
 
     bool operator==(const UUID&) const = default;
 };
+
+// "E621E1F8-C36C-495A-93FC-0C247A3E6E5F".
+std::string uuidString(const UUID& uuid);
 
 }  // namespace norvane

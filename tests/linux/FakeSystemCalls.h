@@ -17,6 +17,7 @@ class FakeSystemCalls {
         calls.machine = "x86_64";
         calls.memoryBytes = [] { return std::uint64_t{3} << 30; };
         calls.bootSeconds = [] { return 1234.5; };
+        calls.fileSystemSpace = [](const std::string&) { return std::nullopt; };
         calls.now = [time = time_] { return MonotonicInstant(std::chrono::nanoseconds(time->load())); };
     }
 

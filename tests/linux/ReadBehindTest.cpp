@@ -59,7 +59,7 @@ class ReadBehindTest : public testing::Test {
     Source makeSource() {
         Source source;
         source.reading = std::make_unique<SlowReading<int>>(
-            readBehind, std::make_unique<ManualLane>(source.slot),
+            readBehind, std::make_unique<ManualLane>(source.slot), nullptr,
             [this, answers = source.answers] {
                 system.advance(workTime);
                 return ++*answers;
@@ -167,7 +167,7 @@ TEST_F(ReadBehindTest, ASourceThatIsNotDueIsLeftAsleep) {
 TEST_F(ReadBehindTest, AFailedReadingLeavesTheLastAnswer) {
     auto slot = std::make_shared<std::optional<Task>>();
     SlowReading<int> reading(
-        readBehind, std::make_unique<ManualLane>(slot),
+        readBehind, std::make_unique<ManualLane>(slot), nullptr,
         []() -> int { throw std::runtime_error("no memory"); }, 7,
         [](int, MonotonicInstant) { return true; });
     waiter->meanwhile = [&](Nanoseconds) {
@@ -187,7 +187,7 @@ TEST_F(ReadBehindTest, AnAnswerMayComeWhenEverythingElseHasGone) {
         ReadBehind gone(waiter, system.calls.now);
         slot = std::make_shared<std::optional<Task>>();
         SlowReading<int> reading(
-            gone, std::make_unique<ManualLane>(slot),
+            gone, std::make_unique<ManualLane>(slot), nullptr,
             [answered] {
                 *answered = true;
                 return 1;

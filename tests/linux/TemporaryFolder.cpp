@@ -45,7 +45,7 @@ void TemporaryFolder::copyFrom(const std::string& folder) const {
 }
 
 std::string fixture(const std::string& machine) {
-    const std::string folder = std::string(NORVANE_SOURCE_DIR "/tests/fixtures/linux/") + machine;
+    const std::string folder = std::string(NORVANE_SOURCE_DIR "/tests/fixtures/") + machine;
     if (!fs::is_directory(folder)) throw std::runtime_error("no such machine: " + folder);
     return folder;
 }

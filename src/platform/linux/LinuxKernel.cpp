@@ -24,6 +24,13 @@ LinuxKernel::LinuxKernel(const RootFolder& root, const SystemCalls& calls, const
       readBehind_(lanes.waiter, calls.now),
       host_(files_, processors_, calls.pageBytes, calls.ticksPerSecond),
       sysctl_(root, files_, processors_, calls.machine),
-      processInfo_(root, files_, calls, readBehind_, lanes.make("thermal"), lowPowerMode_) {}
+      processInfo_(root, files_, calls, readBehind_, lanes.make("thermal"), lowPowerMode_),
+      batteries_(
+          readBehind_, lanes.make("battery"), &TickReads::battery,
+          [batteries = std::make_shared<Batteries>(root, calls.now)] { return batteries->read(); }, {},
+          [](const Batteries::Answer&, MonotonicInstant) { return true; }),
+      registry_(root, calls, readBehind_, lanes.make("graphics"), batteries_),
+      powerSources_(batteries_),
+      fileManager_(root, calls, readBehind_, lanes.make("volumes")) {}
 
 }  // namespace norvane

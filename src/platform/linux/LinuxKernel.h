@@ -5,13 +5,18 @@
 #include <memory>
 #include <string>
 
+#include "platform/linux/Batteries.h"
 #include "platform/linux/KernelFiles.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxHost.h"
+#include "platform/linux/LinuxPowerSources.h"
 #include "platform/linux/LinuxProcessInfo.h"
+#include "platform/linux/LinuxRegistry.h"
 #include "platform/linux/LinuxSysctl.h"
 #include "platform/linux/ProcessorSet.h"
 #include "platform/linux/ReadBehind.h"
 #include "platform/linux/RootFolder.h"
+#include "platform/linux/SlowReading.h"
 #include "platform/linux/SystemCalls.h"
 
 namespace norvane {
@@ -36,6 +41,9 @@ class LinuxKernel {
     HostPort& hostPort() { return host_; }
     Sysctl& sysctl() { return sysctl_; }
     ProcessInfo& processInfo() { return processInfo_; }
+    Registry& registry() { return registry_; }
+    PowerSources& powerSources() { return powerSources_; }
+    FileManager& fileManager() { return fileManager_; }
 
     // Written by whoever watches the power profile, on any thread.
     std::atomic<bool>& lowPowerMode() { return lowPowerMode_; }
@@ -48,6 +56,10 @@ class LinuxKernel {
     LinuxHost host_;
     LinuxSysctl sysctl_;
     LinuxProcessInfo processInfo_;
+    SlowReading<Batteries::Answer> batteries_;
+    LinuxRegistry registry_;
+    LinuxPowerSources powerSources_;
+    LinuxFileManager fileManager_;
 };
 
 }  // namespace norvane

@@ -7,7 +7,10 @@
 #include "platform/linux/LinuxDispatch.h"
 #include "platform/linux/LinuxKernel.h"
 #include "platform/linux/LinuxMonotonicClock.h"
+#include "platform/linux/LinuxPowerProfile.h"
+#include "platform/linux/LinuxStandardOutput.h"
 #include "platform/linux/LinuxUserDefaults.h"
+#include "platform/linux/LinuxUserNotificationCenter.h"
 #include "platform/linux/LinuxUUIDSource.h"
 #include "platform/linux/LinuxWallClock.h"
 #include "platform/linux/PangoTextRuler.h"
@@ -40,6 +43,10 @@ class LinuxMachine {
     LinuxUserDefaults userDefaults_{dispatch_.mainQueue(), LinuxUserDefaults::defaultPath()};
     LinuxUUIDSource uuidSource_;
     LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
+    LinuxPowerProfile powerProfile_{dispatch_.mainQueue(), {}, RootFolder(""), kernel_.lowPowerMode()};
+    LinuxUserNotificationCenter userNotificationCenter_{dispatch_.mainQueue(),
+                                                        LinuxAppearance::sessionBusAddress()};
+    LinuxStandardOutput standardOutput_;
     LinuxAppearance appearance_{dispatch_.mainQueue(), LinuxAppearance::sessionBusAddress()};
     std::unique_ptr<X11Connection> connection_;
     TextLayouts textLayouts_;

@@ -10,7 +10,7 @@ LinuxProcessInfo::LinuxProcessInfo(const RootFolder& root, KernelFiles& files, c
     : files_(files),
       calls_(calls),
       thermal_(
-          readBehind, std::move(thermalLane),
+          readBehind, std::move(thermalLane), nullptr,
           [zones = std::make_shared<ThermalZones>(root, calls.now)] { return zones->read(); }, {},
           ThermalZones::isDue),
       isLowPowerModeEnabled_(isLowPowerModeEnabled) {}

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/BrandString.h"
+#include "platform/linux/DeviceModel.h"
 #include "platform/linux/MemoryPressureLevel.h"
 #include "platform/linux/Saturated.h"
 
@@ -49,6 +50,8 @@ std::optional<std::int64_t> LinuxSysctl::sysctlbyname(SysctlNumber name, TickTok
 
 std::optional<std::string> LinuxSysctl::sysctlbyname(SysctlText name) {
     switch (name) {
+        case SysctlText::hw_model:
+            return readDeviceModel(root_);
         case SysctlText::machdep_cpu_brand_string:
             return readBrandString(root_);
     }

@@ -36,12 +36,14 @@ class ReadBehind::Source {
  public:
     std::unique_ptr<Lane> lane;
     std::shared_ptr<Job> job;
+    AskedBy askedBy = nullptr;
     std::function<bool(MonotonicInstant)> isDue;
     std::uint64_t posted = 0;
     TickToken postedIn = TickToken::none();
     bool isAwaited = false;
 
     bool isBusy() const { return job->answered != posted; }
+    bool isAskedBy(TickToken tick) const { return askedBy == nullptr || tick.reads.*askedBy; }
 };
 
 ReadBehind::ReadBehind(std::shared_ptr<LaneWaiter> waiter, Now now)
@@ -49,10 +51,11 @@ ReadBehind::ReadBehind(std::shared_ptr<LaneWaiter> waiter, Now now)
 
 ReadBehind::~ReadBehind() = default;
 
-ReadBehind::Source& ReadBehind::add(std::unique_ptr<Lane> lane, std::function<void()> work,
+ReadBehind::Source& ReadBehind::add(std::unique_ptr<Lane> lane, AskedBy askedBy, std::function<void()> work,
                                     std::function<bool(MonotonicInstant)> isDue) {
     auto source = std::make_unique<Source>();
     source->lane = std::move(lane);
+    source->askedBy = askedBy;
     source->job = std::make_shared<Job>();
     source->job->work = std::move(work);
     source->job->now = now_;
@@ -73,8 +76,9 @@ void ReadBehind::bring(Source& asked, TickToken tick) {
     if (!(tick == tick_)) {
         tick_ = tick;
         budgetLeft_ = kBudget;
-        for (const auto& source : sources_)
-            postIfDue(*source, tick, now);
+        for (const auto& source : sources_) {
+            if (source.get() == &asked || source->isAskedBy(tick)) postIfDue(*source, tick, now);
+        }
     } else if (!(asked.postedIn == tick)) {
         postIfDue(asked, tick, now);
     }

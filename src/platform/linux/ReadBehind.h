@@ -14,9 +14,10 @@
 namespace norvane {
 
 // Reads slow sources for a tick without ever holding it up. The first question of a tick sends a request to
-// every source that is due and not still busy, and waits for all of them together, so that a machine whose
-// sources are quick gets values of this very tick; later questions of the tick find their answers there. (A
-// source that becomes due within the tick is asked then, with what is left of the budget.) A source that
+// every source that is due, that the tick is going to ask and that is not still busy, and waits for all of
+// them together, so that a machine whose sources are quick gets values of this very tick; later questions of
+// the tick find their answers there. (A source that becomes due within the tick, or was not announced, is
+// asked then, with what is left of the budget.) A source that
 // needed more than the whole budget is asked without waiting until it has been quick again, and one that is
 // stuck is not asked any more: its last answer stands.
 //
@@ -27,6 +28,8 @@ class ReadBehind {
     static constexpr std::chrono::milliseconds kBudget{45};
 
     using Now = std::function<MonotonicInstant()>;
+    // Which ticks ask a source; null for all of them.
+    using AskedBy = bool TickReads::*;
     class Source;
 
     ReadBehind(std::shared_ptr<LaneWaiter> waiter, Now now);
@@ -34,7 +37,7 @@ class ReadBehind {
 
     // `work` runs on the lane; it keeps its answer itself. `isDue` is asked on the sampler's queue. The
     // source lives as long as this.
-    Source& add(std::unique_ptr<Lane> lane, std::function<void()> work,
+    Source& add(std::unique_ptr<Lane> lane, AskedBy askedBy, std::function<void()> work,
                 std::function<bool(MonotonicInstant now)> isDue);
 
     // Sees to it that `asked` has been asked in this tick, if it is due, and given time to answer. Outside a

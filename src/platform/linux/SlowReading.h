@@ -16,11 +16,12 @@ class SlowReading {
  public:
     // `read` runs on the lane and owns or shares all that it uses. `isDue`, given the newest answer, says
     // whether it is worth asking; it must not refer to this.
-    SlowReading(ReadBehind& readBehind, std::unique_ptr<Lane> lane, std::function<Value()> read,
-                Value neutral, std::function<bool(const Value& newest, MonotonicInstant now)> isDue)
+    SlowReading(ReadBehind& readBehind, std::unique_ptr<Lane> lane, ReadBehind::AskedBy askedBy,
+                std::function<Value()> read, Value neutral,
+                std::function<bool(const Value& newest, MonotonicInstant now)> isDue)
         : readBehind_(readBehind), shared_(std::make_shared<Shared>(std::move(neutral))) {
         source_ = &readBehind.add(
-            std::move(lane),
+            std::move(lane), askedBy,
             [shared = shared_, read = std::move(read)] {
                 Value value = read();
                 const std::lock_guard lock(shared->mutex);

@@ -1,5 +1,6 @@
 #include "platform/linux/SystemCalls.h"
 
+#include <sys/statvfs.h>
 #include <sys/sysinfo.h>
 #include <sys/utsname.h>
 #include <time.h>
@@ -38,6 +39,14 @@ SystemCalls SystemCalls::real() {
         return saturatedProduct(info.totalram, info.mem_unit);
     };
     calls.bootSeconds = [] { return std::chrono::duration<double>(readClock(CLOCK_BOOTTIME)).count(); };
+    calls.fileSystemSpace = [](const std::string& path) -> std::optional<FileSystemSpace> {
+        struct statvfs space {};
+        if (::statvfs(path.c_str(), &space) != 0) return std::nullopt;
+        // Counted in fragments; a block is merely what reads well at once. And what root keeps for itself is
+        // of no use to a user.
+        return FileSystemSpace{saturatedProduct(space.f_blocks, space.f_frsize),
+                               saturatedProduct(space.f_bavail, space.f_frsize)};
+    };
     calls.now = [] { return MonotonicInstant(readClock(CLOCK_MONOTONIC)); };
     return calls;
 }

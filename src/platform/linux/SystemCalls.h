@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "platform/linux/FileSystemSpace.h"
 #include "platform/MonotonicInstant.h"
 
 namespace norvane {
@@ -21,6 +23,8 @@ struct SystemCalls {
     std::function<std::uint64_t()> memoryBytes;
     // Seconds since the start, sleep included: clock_gettime(CLOCK_BOOTTIME).
     std::function<double()> bootSeconds;
+    // Of the file system that `path` lies on: statvfs(3). May wait for a device or a server, even for ever.
+    std::function<std::optional<FileSystemSpace>(const std::string& path)> fileSystemSpace;
     // clock_gettime(CLOCK_MONOTONIC).
     std::function<MonotonicInstant()> now;
 

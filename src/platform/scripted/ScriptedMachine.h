@@ -7,12 +7,17 @@
 #include "platform/scripted/ScriptedAppearance.h"
 #include "platform/scripted/ScriptedApplication.h"
 #include "platform/scripted/ScriptedDispatch.h"
+#include "platform/scripted/ScriptedFileManager.h"
 #include "platform/scripted/ScriptedHostPort.h"
 #include "platform/scripted/ScriptedLoop.h"
+#include "platform/scripted/ScriptedPowerSources.h"
 #include "platform/scripted/ScriptedProcessInfo.h"
+#include "platform/scripted/ScriptedRegistry.h"
+#include "platform/scripted/ScriptedStandardOutput.h"
 #include "platform/scripted/ScriptedSysctl.h"
 #include "platform/scripted/ScriptedTime.h"
 #include "platform/scripted/ScriptedUserDefaults.h"
+#include "platform/scripted/ScriptedUserNotificationCenter.h"
 #include "platform/scripted/ScriptedUUIDSource.h"
 #include "platform/scripted/ScriptedWindowServer.h"
 
@@ -29,6 +34,11 @@ class ScriptedMachine {
                 .hostPort = hostPort,
                 .sysctl = sysctl,
                 .processInfo = processInfo,
+                .registry = registry,
+                .powerSources = powerSources,
+                .fileManager = fileManager,
+                .userNotificationCenter = userNotificationCenter,
+                .standardOutput = standardOutput,
                 .userDefaults = userDefaults,
                 .uuidSource = uuidSource,
                 .textRuler = textRuler,
@@ -53,6 +63,11 @@ class ScriptedMachine {
     ScriptedHostPort hostPort{time};
     ScriptedSysctl sysctl;
     ScriptedProcessInfo processInfo{time};
+    ScriptedRegistry registry;
+    ScriptedPowerSources powerSources;
+    ScriptedFileManager fileManager;
+    ScriptedUserNotificationCenter userNotificationCenter{dispatch.backgroundQueue()};
+    ScriptedStandardOutput standardOutput;
     ScriptedUserDefaults userDefaults{dispatch.mainQueue()};
     ScriptedUUIDSource uuidSource;
     FixedTextRuler textRuler;

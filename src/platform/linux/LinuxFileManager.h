@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/FileManager.h"
+#include "platform/linux/SlowReading.h"
+#include "platform/linux/Volumes.h"
+
+namespace norvane {
+
+// The mounted volumes, read on a lane.
+class LinuxFileManager final : public FileManager {
+ public:
+    // The reference outlives this.
+    LinuxFileManager(const RootFolder& root, const SystemCalls& calls, ReadBehind& readBehind,
+                     std::unique_ptr<Lane> lane);
+
+    std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override;
+
+ private:
+    SlowReading<std::optional<std::vector<VolumeURL>>> volumes_;
+};
+
+}  // namespace norvane
