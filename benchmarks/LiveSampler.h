@@ -29,7 +29,8 @@ class LiveSampler {
     ImmediateDispatch dispatch_{rest_.dispatch};
     LinuxWallClock wallClock_;
     LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
-    std::shared_ptr<PerformanceSampler> sampler_ = PerformanceSampler::create(platform());
+    PreferencesStore preferences_{rest_.userDefaults};
+    std::shared_ptr<PerformanceSampler> sampler_ = PerformanceSampler::create(platform(), preferences_);
 };
 
 }  // namespace norvane

@@ -29,7 +29,8 @@ class Screen {
  public:
     explicit Screen(bool measuresRealText)
         : platform_(platform(measuresRealText)),
-          sampler_(PerformanceSampler::create(platform_)),
+          preferences_(platform_.userDefaults),
+          sampler_(PerformanceSampler::create(platform_, preferences_)),
           dashboard_(platform_, sampler_),
           label_(labelModel_, platform_.textRuler, platform_.appearance) {
         sampler_->start();
@@ -75,6 +76,7 @@ class Screen {
     TextLayouts layouts_;
     PangoTextRuler pangoRuler_{layouts_};
     Platform platform_;
+    PreferencesStore preferences_;
     MenuBarStatsModel labelModel_;
     std::shared_ptr<PerformanceSampler> sampler_;
     MenuRootView dashboard_;

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/Platform.h"
+#include "preferences/PreferencesStore.h"
 #include "shell/StatusBarController.h"
 
 namespace norvane {
@@ -10,8 +11,9 @@ namespace norvane {
 // What the application does when it has been launched. Main thread only.
 class AppDelegate {
  public:
-    // The platform outlives the delegate.
-    explicit AppDelegate(const Platform& platform) : platform_(platform) {}
+    // Platform and preferences outlive the delegate.
+    AppDelegate(const Platform& platform, const PreferencesStore& preferences)
+        : platform_(platform), preferences_(preferences) {}
 
     void applicationDidFinishLaunching();
 
@@ -20,6 +22,7 @@ class AppDelegate {
 
  private:
     Platform platform_;
+    const PreferencesStore& preferences_;
     std::shared_ptr<StatusBarController> statusBarController_;
 };
 

@@ -5,7 +5,7 @@
 namespace norvane {
 
 NorvaneApp::NorvaneApp(const Platform& platform)
-    : platform_(platform), preferences_(platform.userDefaults), delegate_(platform_) {}
+    : platform_(platform), preferences_(platform.userDefaults), delegate_(platform_, preferences_) {}
 
 void NorvaneApp::launch() {
     delegate_.applicationDidFinishLaunching();

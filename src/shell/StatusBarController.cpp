@@ -9,14 +9,15 @@ constexpr double kStatsLength = 54.0;
 
 }  // namespace
 
-std::shared_ptr<StatusBarController> StatusBarController::create(const Platform& platform) {
-    std::shared_ptr<StatusBarController> controller(new StatusBarController(platform));
+std::shared_ptr<StatusBarController> StatusBarController::create(const Platform& platform,
+                                                                 const PreferencesStore& preferences) {
+    std::shared_ptr<StatusBarController> controller(new StatusBarController(platform, preferences));
     controller->startUp();
     return controller;
 }
 
-StatusBarController::StatusBarController(const Platform& platform)
-    : platform_(platform), sampler_(PerformanceSampler::create(platform)) {}
+StatusBarController::StatusBarController(const Platform& platform, const PreferencesStore& preferences)
+    : platform_(platform), sampler_(PerformanceSampler::create(platform, preferences)) {}
 
 void StatusBarController::startUp() {
     const std::weak_ptr<StatusBarController> weak = weak_from_this();
@@ -30,6 +31,8 @@ void StatusBarController::startUp() {
     platform_.dispatch.mainQueue().async([weak] {
         if (const auto self = weak.lock()) self->sampler_->start();
     });
+    // Asked once; a refusal shows in that alerts are not, and in nothing else.
+    platform_.userNotificationCenter.requestAuthorization([](bool) {});
     cancellables_.push_back(
         sampler_->menuBarStats().observe([this](const MenuBarStats& stats) { updateStats(stats); }));
 }

@@ -6,6 +6,7 @@
 
 #include "dashboard/MenuRootView.h"
 #include "platform/Platform.h"
+#include "preferences/PreferencesStore.h"
 #include "shell/MenuBarStatsModel.h"
 #include "shell/PassthroughHostingView.h"
 #include "shell/Popover.h"
@@ -20,16 +21,17 @@ namespace norvane {
 class StatusBarController final : public std::enable_shared_from_this<StatusBarController>,
                                   private PopoverDelegate {
  public:
-    // Brings the status item up, with its label, and enqueues the sampler's start. The platform outlives the
-    // controller.
-    static std::shared_ptr<StatusBarController> create(const Platform& platform);
+    // Brings the status item up, with its label, and enqueues the sampler's start. Platform and preferences
+    // outlive the controller.
+    static std::shared_ptr<StatusBarController> create(const Platform& platform,
+                                                       const PreferencesStore& preferences);
 
     void statusItemClicked();
 
     const PerformanceSampler& sampler() const { return *sampler_; }
 
  private:
-    explicit StatusBarController(const Platform& platform);
+    StatusBarController(const Platform& platform, const PreferencesStore& preferences);
 
     void startUp();
     void showStatsLabel();

@@ -84,11 +84,4 @@ CoreCounts CPUReader::coreCounts() {
     return counts;
 }
 
-bool CPUReader::isAppleSilicon() {
-    if (!cachedIsAppleSilicon_) {
-        cachedIsAppleSilicon_ = sysctl_.sysctlbyname(SysctlNumber::hw_optional_arm64, TickToken::none()) == 1;
-    }
-    return *cachedIsAppleSilicon_;
-}
-
 }  // namespace norvane

@@ -28,8 +28,6 @@ class CPUReader {
     // Asked of the machine on the first request and then kept. A machine without kinds of cores has
     // performance cores alone.
     CoreCounts coreCounts();
-    // Likewise.
-    bool isAppleSilicon();
 
  private:
     HostPort& hostPort_;
@@ -39,7 +37,6 @@ class CPUReader {
     // Four entries per processor; empty until the first read.
     std::vector<std::int32_t> lastProcessorTicks_;
     std::optional<CoreCounts> coreCounts_;
-    std::optional<bool> cachedIsAppleSilicon_;
 };
 
 }  // namespace norvane

@@ -38,9 +38,6 @@ std::int64_t MemoryReader::readMemoryPressure(TickToken tick) {
 }
 
 MemoryDetail MemoryReader::readMemoryDetail(TickToken tick) {
-    // Beyond this the counters' difference would be a mean over a gap in which nobody looked.
-    constexpr double kLongestSpan = 5.0;
-
     const auto pages = hostPort_.host_statistics64(tick, SwapCounters::read);
     if (!pages) return {};
     const std::uint64_t pageSize = hostPort_.host_page_size();
@@ -48,16 +45,13 @@ MemoryDetail MemoryReader::readMemoryDetail(TickToken tick) {
     detail.cachedFilesGB =
         gigabytes(pages->external_page_count, pageSize) + gigabytes(pages->purgeable_count, pageSize);
 
-    const double now = wallClock_.CFAbsoluteTimeGetCurrent();
-    const double dt = now - lastMemorySampleTime_;
-    if (lastMemorySampleTime_ > 0 && dt > 0 && dt < kLongestSpan) {
+    if (const auto elapsed = interval_.sampled(wallClock_.CFAbsoluteTimeGetCurrent())) {
         const double pageMB = static_cast<double>(pageSize) / kBytesPerMB;
-        detail.swapReadMBps = moved(lastPageIns_, pages->swapins) * pageMB / dt;
-        detail.swapWriteMBps = moved(lastPageOuts_, pages->swapouts) * pageMB / dt;
+        detail.swapReadMBps = moved(lastPageIns_, pages->swapins) * pageMB / *elapsed;
+        detail.swapWriteMBps = moved(lastPageOuts_, pages->swapouts) * pageMB / *elapsed;
     }
     lastPageIns_ = pages->swapins;
     lastPageOuts_ = pages->swapouts;
-    lastMemorySampleTime_ = now;
     return detail;
 }
 

@@ -8,6 +8,7 @@
 #include "platform/WallClock.h"
 #include "telemetry/MemoryBasics.h"
 #include "telemetry/MemoryDetail.h"
+#include "telemetry/RateInterval.h"
 
 namespace norvane {
 
@@ -38,7 +39,7 @@ class MemoryReader {
     std::uint64_t lastPageIns_ = 0;
     std::uint64_t lastPageOuts_ = 0;
     // `CFAbsoluteTimeGetCurrent`; 0 means never.
-    double lastMemorySampleTime_ = 0;
+    RateInterval interval_;
 };
 
 }  // namespace norvane

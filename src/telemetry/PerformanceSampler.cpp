@@ -3,17 +3,10 @@
 #include <chrono>
 #include <utility>
 
-#include "telemetry/MemoryPressure.h"
-#include "telemetry/TickCadence.h"
+#include "telemetry/BootVolume.h"
 
 namespace norvane {
 namespace {
-
-constexpr double kCriticalCPUPercent = 85.0;
-
-ComponentState stateOf(bool isCritical) {
-    return isCritical ? ComponentState::critical : ComponentState::normal;
-}
 
 // The history with one more point, the oldest one gone where it was full.
 std::shared_ptr<const PerformanceSampler::History> appended(const PerformanceSampler::History& history,
@@ -28,16 +21,23 @@ std::shared_ptr<const PerformanceSampler::History> appended(const PerformanceSam
 
 }  // namespace
 
-std::shared_ptr<PerformanceSampler> PerformanceSampler::create(const Platform& platform) {
-    return std::shared_ptr<PerformanceSampler>(new PerformanceSampler(platform));
+std::shared_ptr<PerformanceSampler> PerformanceSampler::create(const Platform& platform,
+                                                               const PreferencesStore& preferences) {
+    return std::shared_ptr<PerformanceSampler>(new PerformanceSampler(platform, preferences));
 }
 
-PerformanceSampler::PerformanceSampler(const Platform& platform)
+PerformanceSampler::PerformanceSampler(const Platform& platform, const PreferencesStore& preferences)
     : mainQueue_(platform.dispatch.mainQueue()),
       wallClock_(platform.wallClock),
       processInfo_(platform.processInfo),
       cpuReader_(platform.hostPort, platform.sysctl),
       memoryReader_(platform.hostPort, platform.sysctl, platform.processInfo, platform.wallClock),
+      gpuReader_(platform.registry),
+      diskReader_(platform.registry, platform.wallClock),
+      volumeReader_(platform.fileManager, platform.uuidSource),
+      batteryReader_(platform.registry, platform.powerSources),
+      deviceIdentity_(platform.sysctl),
+      alerts_(platform, preferences),
       queue_(platform.dispatch.makeSerialQueue("Norvane.sampler")) {}
 
 PerformanceSampler::~PerformanceSampler() {
@@ -70,9 +70,15 @@ void PerformanceSampler::setUIVisible(bool value) {
 void PerformanceSampler::tick() {
     const bool isVisible = isUIVisible_.get();
     ++tickCount_;
-    const TickToken token{tickCount_};
+    const TickCadence cadence = cadenceOf(tickCount_, isVisible, forceFullSampleNextTick_);
+    const TickToken token{tickCount_,
+                          {.accelerators = cadence.readsGPUAndDisk,
+                           .battery = cadence.readsBattery,
+                           .volumes = cadence.readsVolumes}};
     const LightReadings light = runLightHalf(token);
-    if (cadenceOf(tickCount_, isVisible, forceFullSampleNextTick_).isFull) runFullHalf(token, light);
+    // Once, also where both the hidden minute and the dashboard want it.
+    if (cadence.readsBattery) cachedBattery_ = batteryReader_.refreshBattery(token);
+    if (cadence.isFull) runFullHalf(token, cadence, light);
 }
 
 PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken token) {
@@ -81,22 +87,13 @@ PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken tok
     light.memory = memoryReader_.readMemoryBasics(token);
     light.pressure = memoryReader_.readMemoryPressure(token);
     cachedThermal_ = thermalLevelOf(processInfo_.thermalState(token));
-
-    const WallInstant now = wallClock_.now();
-    const bool cpuCritical = light.cpu >= kCriticalCPUPercent;
-    const bool memCritical = light.pressure >= kCriticalMemoryPressure;
-    const bool thermalCritical = isThermallyLimited(cachedThermal_);
-    light.cpuState = cpuDebouncer_.update(stateOf(cpuCritical), now);
-    light.memoryState = memDebouncer_.update(stateOf(memCritical), now);
-    // The raw conditions, so that heat counts as well and no wait is added to a wait.
-    const ComponentState systemStateNow =
-        sysDebouncer_.update(stateOf(cpuCritical || memCritical || thermalCritical), now);
+    light.states = classifier_.updateStates(light.cpu, light.pressure, cachedThermal_, wallClock_.now());
 
     const MenuBarStats stats{.cpu = light.cpu, .ramUsed = light.memory.used, .ramTotal = light.memory.total};
-    mainQueue_.async([weak = weak_from_this(), systemStateNow, stats] {
+    mainQueue_.async([weak = weak_from_this(), systemState = light.states.systemState, stats] {
         const auto self = weak.lock();
         if (!self) return;
-        self->systemState_.set(systemStateNow);
+        self->systemState_.set(systemState);
         self->menuBarStats_.set(stats);
     });
 
@@ -105,9 +102,16 @@ PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken tok
     return light;
 }
 
-void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light) {
+void PerformanceSampler::runFullHalf(TickToken token, const TickCadence& cadence,
+                                     const LightReadings& light) {
     CoreUsageReading cores = cpuReader_.readCoreUsage(token);
-    const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
+    if (cadence.readsGPUAndDisk) {
+        cachedGPU_ = gpuReader_.readGPUUtilization(token);
+        cachedDiskVelocity_ = diskReader_.readDiskVelocity(token);
+    }
+    if (cadence.readsVolumes) {
+        cachedVolumes_ = std::make_shared<const Volumes>(volumeReader_.readMountedVolumes(token));
+    }
     forceFullSampleNextTick_ = false;
 
     // Built on the history as published: while the last tick's publication is still on its way, the older
@@ -116,11 +120,34 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
         *cpuHistory_.get(),
         {.performance = cores.performanceUsage, .efficiency = cores.efficiencyUsage, .total = light.cpu});
 
-    auto snapshot = std::make_shared<const SystemSnapshot>(SystemSnapshot{
-        .isAppleSilicon = cpuReader_.isAppleSilicon(),
-        .timestamp = wallClock_.now(),
-        .cpuState = light.cpuState,
-        .memoryState = light.memoryState,
+    const WallInstant now = wallClock_.now();
+    SystemSnapshot decided = assembled(token, light, std::move(cores), now);
+    classifier_.classify(decided, now);
+    auto snapshot = std::make_shared<const SystemSnapshot>(std::move(decided));
+
+    // By what the user has been shown, not by what is on its way.
+    if (const SnapshotPointer published = snapshot_.get()) alerts_.check(*published);
+
+    mainQueue_.async([weak = weak_from_this(), snapshot = std::move(snapshot), volumes = cachedVolumes_,
+                      history = std::move(history)] {
+        const auto self = weak.lock();
+        if (!self) return;
+        self->snapshot_.set(snapshot);
+        self->volumes_.set(volumes);
+        self->cpuHistory_.set(history);
+    });
+}
+
+SystemSnapshot PerformanceSampler::assembled(TickToken token, const LightReadings& light,
+                                             CoreUsageReading cores, WallInstant now) {
+    const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
+    const DiskSnapshot* const boot = bootVolumeOf(*cachedVolumes_);
+    const DeviceModel model = deviceIdentity_.deviceModel();
+    return {
+        .isAppleSilicon = deviceIdentity_.isAppleSilicon(),
+        .timestamp = now,
+        .cpuState = light.states.cpuState,
+        .memoryState = light.states.memoryState,
         .cpuUsagePercent = light.cpu,
         .cpuSustained = light.cpuSustained,
         .performanceCoreUsage = cores.performanceUsage,
@@ -129,7 +156,7 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
         .performanceCoreUsages = std::move(cores.performanceUsages),
         .idlePercent = cores.idlePercent,
         .uptime = processInfo_.systemUptime(),
-        .gpuUsage = 0,
+        .gpuUsage = cachedGPU_,
         .usedMemoryGB = light.memory.used,
         .totalMemoryGB = light.memory.total,
         .wiredMemoryGB = light.memory.wired,
@@ -140,10 +167,10 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
         .cachedFilesGB = detail.cachedFilesGB,
         .swapReadMBps = detail.swapReadMBps,
         .swapWriteMBps = detail.swapWriteMBps,
-        .usedDiskGB = 0,
-        .totalDiskGB = 0,
-        .diskReadMBps = 0,
-        .diskWriteMBps = 0,
+        .usedDiskGB = boot != nullptr ? boot->usedGB : 0,
+        .totalDiskGB = boot != nullptr ? boot->totalGB : 0,
+        .diskReadMBps = cachedDiskVelocity_.readMBps,
+        .diskWriteMBps = cachedDiskVelocity_.writeMBps,
         .volumes = *cachedVolumes_,
         .isOnBattery = cachedBattery_.isOnBattery,
         .thermalLevel = cachedThermal_,
@@ -156,8 +183,8 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
         .batteryTemperatureC = cachedBattery_.temperatureC,
         .batteryPercentage = cachedBattery_.percentage,
         .batteryTimeRemaining = cachedBattery_.timeRemaining,
-        .deviceModelName = "Mac",  // what a machine is called whose model is not known
-        .deviceModelIcon = "applelogo",
+        .deviceModelName = std::string(model.name),
+        .deviceModelIcon = std::string(model.icon),
         .isCharging = cachedBattery_.isCharging,
         .hasBattery = cachedBattery_.hasBattery,
         .isCPUModerateLoad = false,
@@ -177,16 +204,7 @@ void PerformanceSampler::runFullHalf(TickToken token, const LightReadings& light
         .isStorageFilling = false,
         .isStorageHeavyIO = false,
         .isBatteryWarm = false,
-    });
-
-    mainQueue_.async([weak = weak_from_this(), snapshot = std::move(snapshot), volumes = cachedVolumes_,
-                      history = std::move(history)] {
-        const auto self = weak.lock();
-        if (!self) return;
-        self->snapshot_.set(snapshot);
-        self->volumes_.set(volumes);
-        self->cpuHistory_.set(history);
-    });
+    };
 }
 
 }  // namespace norvane

@@ -6,18 +6,27 @@
 
 #include "platform/Platform.h"
 #include "platform/Published.h"
+#include "preferences/PreferencesStore.h"
+#include "telemetry/BatteryReader.h"
 #include "telemetry/CachedBattery.h"
 #include "telemetry/ComponentState.h"
 #include "telemetry/CPUHistoryPoint.h"
 #include "telemetry/CPUReader.h"
+#include "telemetry/DeviceIdentity.h"
+#include "telemetry/DiskReader.h"
 #include "telemetry/DiskSnapshot.h"
-#include "telemetry/ImpactState.h"
+#include "telemetry/DiskVelocity.h"
+#include "telemetry/GPUReader.h"
+#include "telemetry/HardwareAlerts.h"
 #include "telemetry/MemoryReader.h"
 #include "telemetry/MenuBarStats.h"
-#include "telemetry/StateDebouncer.h"
+#include "telemetry/StateClassifier.h"
 #include "telemetry/SustainedMetric.h"
 #include "telemetry/SystemSnapshot.h"
+#include "telemetry/SystemStates.h"
 #include "telemetry/ThermalLevel.h"
+#include "telemetry/TickCadence.h"
+#include "telemetry/VolumeReader.h"
 
 namespace norvane {
 
@@ -38,8 +47,9 @@ class PerformanceSampler : public std::enable_shared_from_this<PerformanceSample
 
     static constexpr std::size_t kCPUHistoryLength = 60;
 
-    // Main thread. The platform outlives the sampler.
-    static std::shared_ptr<PerformanceSampler> create(const Platform& platform);
+    // Main thread. Platform and preferences outlive the sampler.
+    static std::shared_ptr<PerformanceSampler> create(const Platform& platform,
+                                                      const PreferencesStore& preferences);
     ~PerformanceSampler();
 
     // Main thread. Begins to tick: now, and then every second. Where it ticks already, it begins anew.
@@ -69,15 +79,17 @@ class PerformanceSampler : public std::enable_shared_from_this<PerformanceSample
         double cpuSustained;
         MemoryBasics memory;
         std::int64_t pressure;
-        ComponentState cpuState;
-        ComponentState memoryState;
+        SystemStates states;
     };
 
-    explicit PerformanceSampler(const Platform& platform);
+    PerformanceSampler(const Platform& platform, const PreferencesStore& preferences);
 
     void tick();
     LightReadings runLightHalf(TickToken token);
-    void runFullHalf(TickToken token, const LightReadings& light);
+    void runFullHalf(TickToken token, const TickCadence& cadence, const LightReadings& light);
+    // With everything that is read; what is decided from it is still to come.
+    SystemSnapshot assembled(TickToken token, const LightReadings& light, CoreUsageReading cores,
+                             WallInstant now);
 
     // Written on the main thread.
     Published<SnapshotPointer> snapshot_;
@@ -96,10 +108,17 @@ class PerformanceSampler : public std::enable_shared_from_this<PerformanceSample
     std::uint64_t tickCount_ = 0;
     CPUReader cpuReader_;
     MemoryReader memoryReader_;
+    GPUReader gpuReader_;
+    DiskReader diskReader_;
+    VolumeReader volumeReader_;
+    BatteryReader batteryReader_;
+    DeviceIdentity deviceIdentity_;
+    StateClassifier classifier_;
+    HardwareAlerts alerts_;
     SustainedMetric<double> cpuSustained_{3};
-    StateDebouncer<ComponentState> cpuDebouncer_;
-    StateDebouncer<ComponentState> memDebouncer_;
-    StateDebouncer<ComponentState> sysDebouncer_;
+    // What is read at a fraction of the ticks stands until the next reading.
+    double cachedGPU_ = 0;
+    DiskVelocity cachedDiskVelocity_;
     ThermalLevel cachedThermal_ = ThermalLevel::nominal;
     CachedBattery cachedBattery_;
     std::shared_ptr<const Volumes> cachedVolumes_ = std::make_shared<const Volumes>();

@@ -10,7 +10,8 @@ namespace {
 
 TEST(PodValue, FormatsWithFixedPlacesAndTellsLargeMachinesInTerabytes) {
     ScriptedMachine machine;
-    const auto sampler = PerformanceSampler::create(machine.platform());
+    const PreferencesStore preferences(machine.userDefaults);
+    const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
     sampler->setUIVisible(true);
     machine.settle();
     SystemSnapshot snapshot = *sampler->snapshot().get();

@@ -16,7 +16,8 @@ using namespace std::chrono_literals;
 // A snapshot of a healthy machine, as its sampler makes it.
 SystemSnapshot healthySnapshot() {
     ScriptedMachine machine;
-    const auto sampler = PerformanceSampler::create(machine.platform());
+    const PreferencesStore preferences(machine.userDefaults);
+    const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
     sampler->setUIVisible(true);
     machine.settle();
     return *sampler->snapshot().get();

@@ -172,7 +172,8 @@ TEST_F(ApplicationTest, TheSentenceWaitsForALastingLoadAndForgetsAtAReopening) {
 }
 
 TEST_F(ApplicationTest, ShownWhileItIsShownTheSentenceKeepsItsWait) {
-    auto sampler = PerformanceSampler::create(machine_.platform());
+    const PreferencesStore preferences(machine_.userDefaults);
+    auto sampler = PerformanceSampler::create(machine_.platform(), preferences);
     MenuRootView view(machine_.platform(), sampler);
     const auto sentence = [&] {
         view.content().displayList(view.content().fittingSize(), machine_.time.monotonic());

@@ -112,23 +112,11 @@ TEST_F(CPUReaderTest, SurvivesAChangingOrLyingProcessorCount) {
     EXPECT_EQ(wrapped.performanceUsages, std::vector<double>{100});
 }
 
-TEST_F(CPUReaderTest, CoreCountsAndKindAreAskedOnceAndBearGarbage) {
+TEST_F(CPUReaderTest, CoreCountsBearGarbage) {
     sysctl_.number(SysctlNumber::hw_perflevel0_logicalcpu).always(std::numeric_limits<std::int64_t>::max());
     sysctl_.number(SysctlNumber::hw_perflevel1_logicalcpu).always(-5);
     EXPECT_EQ(reader_.coreCounts().efficiency, 0);
     EXPECT_LE(reader_.coreCounts().performance, 65'536);
-    struct Case {
-        std::optional<std::int64_t> answer;
-        bool want;
-    };
-    for (const Case& c : {Case{1, true}, {0, false}, {2, false}, {std::nullopt, false}}) {
-        CPUReader reader(host_, sysctl_);
-        sysctl_.number(SysctlNumber::hw_optional_arm64).always(c.answer);
-        EXPECT_EQ(reader.isAppleSilicon(), c.want);
-        const auto asked = sysctl_.number(SysctlNumber::hw_optional_arm64).asked();
-        EXPECT_EQ(reader.isAppleSilicon(), c.want);
-        EXPECT_EQ(sysctl_.number(SysctlNumber::hw_optional_arm64).asked(), asked);
-    }
 }
 
 TEST(CPUHardwareInfoTest, NamesTheChipAndCountsItsCores) {

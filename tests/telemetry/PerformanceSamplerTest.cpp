@@ -44,7 +44,9 @@ class PerformanceSamplerTest : public testing::Test {
     ScriptedLoop::Queue& queue() { return *machine_.dispatch.serialLoopQueue("Norvane.sampler"); }
 
     ScriptedMachine machine_;
-    std::shared_ptr<PerformanceSampler> sampler_ = PerformanceSampler::create(machine_.platform());
+    PreferencesStore preferences_{machine_.userDefaults};
+    std::shared_ptr<PerformanceSampler> sampler_ =
+        PerformanceSampler::create(machine_.platform(), preferences_);
 };
 
 TEST_F(PerformanceSamplerTest, BeginsWithNothingPublished) {
@@ -133,11 +135,6 @@ TEST_F(PerformanceSamplerTest, ASnapshotHasNeutralValuesForWhatFailed) {
     EXPECT_EQ(snapshot->thermalLevel, ThermalLevel::nominal);
     EXPECT_EQ(snapshot->uptime, 1000);
     EXPECT_EQ(snapshot->timestamp, machine_.time.wall());
-    EXPECT_TRUE(snapshot->isOnBattery);
-    EXPECT_EQ(snapshot->batteryPercentage, 100);
-    EXPECT_EQ(snapshot->batteryTimeRemaining, "Estimating...");
-    EXPECT_FALSE(snapshot->isCharging);
-    EXPECT_TRUE(snapshot->hasBattery);
     EXPECT_EQ(snapshot->energyImpact, ImpactState::low);
 }
 
@@ -188,7 +185,8 @@ TEST_F(PerformanceSamplerTest, ThresholdsAreInclusive) {
                           {"pressure 2", 0, 2, N, N},
                           {"pressure beyond", 0, 9, N, C}}) {
         ScriptedMachine machine;
-        const auto sampler = PerformanceSampler::create(machine.platform());
+        const PreferencesStore preferences(machine.userDefaults);
+        const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
         machine.hostPort.processors.setLoad(c.load);
         machine.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).always(c.pressure);
         sampler->setUIVisible(true);
