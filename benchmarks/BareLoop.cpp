@@ -36,6 +36,8 @@ BareLoop::BareLoop(Half half) : buffer_(kBufferBytes) {
     if (half == Half::full) {
         for (const char* path : {"/proc/vmstat", "/proc/uptime"})
             add(path);
+        add("/proc/diskstats", 3);
+        add("/proc/self/mountinfo", 30);
     }
     for (const unsigned number : zramInUse()) {
         const std::string folder = "/sys/block/zram" + std::to_string(number);
@@ -44,16 +46,18 @@ BareLoop::BareLoop(Half half) : buffer_(kBufferBytes) {
     }
 }
 
-void BareLoop::add(const char* path) {
+void BareLoop::add(const char* path, std::uint64_t everyNth) {
     FileDescriptor file(::open(path, O_RDONLY | O_CLOEXEC));
-    if (file) files_.push_back(std::move(file));
+    if (file) files_.push_back({std::move(file), everyNth});
 }
 
 void BareLoop::read() {
-    for (const FileDescriptor& file : files_) {
+    ++count_;
+    for (const File& file : files_) {
+        if (count_ % file.everyNth != 0) continue;
         off_t offset = 0;
         for (;;) {
-            const ssize_t more = ::pread(file.get(), buffer_.data(), buffer_.size(), offset);
+            const ssize_t more = ::pread(file.descriptor.get(), buffer_.data(), buffer_.size(), offset);
             if (more <= 0) break;
             offset += more;
         }

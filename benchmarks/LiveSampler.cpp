@@ -4,7 +4,9 @@
 
 namespace norvane {
 
-LiveSampler::LiveSampler(bool isDashboardVisible) {
+LiveSampler::LiveSampler(bool isDashboardVisible, const RootFolder& root, const SystemCalls& calls,
+                         const LinuxKernel::Lanes& lanes)
+    : kernel_(root, calls, lanes) {
     sampler_->start();
     publish();
     if (isDashboardVisible) sampler_->setUIVisible(true);

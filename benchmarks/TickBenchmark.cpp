@@ -24,8 +24,9 @@ constexpr double kMostAllocationsOfLightTicks = 0;
 
 // Short repetitions, and many: all benchmarks take turns in random order, so that a machine that becomes
 // slower for a while becomes it for all of them.
-constexpr int kIterations = 20;
-constexpr int kRepetitions = 200;
+// A repetition has as many ticks as lie between two readings of the rarest source.
+constexpr int kIterations = 30;
+constexpr int kRepetitions = 150;
 
 constexpr const char* kAllocations = "allocations";
 

@@ -11,7 +11,8 @@
 namespace norvane {
 
 // Reads the battery from the hardware registry and the list of power sources. Belongs to the tick; keeps
-// nothing: a key that disappears takes its field with it.
+// nothing: a key that disappears takes its field with it. The battery's condition is the power source's word
+// alone: a second opinion from the registry could only contradict it.
 class BatteryReader {
  public:
     // What the registry knows of the hardware.
@@ -48,7 +49,7 @@ class BatteryReader {
     std::string batteryTimeRemaining(TickToken tick, bool isOnBattery, std::int64_t percentage);
 
  private:
-    // The first one that can be used.
+    // The first one that can be used. No information is the same as no sources.
     PowerSourceDescription firstDescription(TickToken tick);
 
     Registry& registry_;
