@@ -56,10 +56,10 @@ class ReadBehindTest : public testing::Test {
         bool isPosted() const { return slot->has_value(); }
     };
 
-    Source makeSource() {
+    Source makeSource(ReadBehind::AskedBy askedBy = nullptr) {
         Source source;
         source.reading = std::make_unique<SlowReading<int>>(
-            readBehind, std::make_unique<ManualLane>(source.slot), nullptr,
+            readBehind, std::make_unique<ManualLane>(source.slot), askedBy,
             [this, answers = source.answers] {
                 system.advance(workTime);
                 return ++*answers;
@@ -144,6 +144,28 @@ TEST_F(ReadBehindTest, ATickWaitsNoLongerThanItsBudgetInAll) {
     EXPECT_EQ(third.reading->get({1}), 0);
     EXPECT_EQ(waiter->granted, (std::vector<Nanoseconds>{45ms, 15ms}));
     EXPECT_TRUE(third.isPosted()) << "asked, though there is no time left to wait";
+}
+
+TEST_F(ReadBehindTest, ATickAsksBeforehandForAllThatItIsGoingToRead) {
+    Source always = makeSource();
+    Source volumes = makeSource(&TickReads::volumes);
+    Source battery = makeSource(&TickReads::battery);
+    waiter->meanwhile = [&](Nanoseconds) {
+        if (always.isPosted()) finish(always, 1ms);
+        if (volumes.isPosted()) finish(volumes, 1ms);
+        if (battery.isPosted()) finish(battery, 1ms);
+    };
+    const TickToken reading{1, {.volumes = true}};
+    EXPECT_EQ(always.reading->get(reading), 1);
+    EXPECT_EQ(*volumes.answers, 1) << "together with what every tick reads";
+    EXPECT_EQ(volumes.reading->get(reading), 1) << "and not once more";
+    EXPECT_EQ(waiter->granted.size(), 1u);
+
+    EXPECT_EQ(always.reading->get({2}), 2);
+    EXPECT_EQ(*volumes.answers, 1) << "a tick that does not read them asks for nothing";
+    EXPECT_EQ(battery.reading->get({2}), 1) << "what was not announced is asked when it is wanted";
+    EXPECT_EQ(battery.reading->get({3}), 2) << "also as the first question of a tick";
+    EXPECT_EQ(always.reading->get({3}), 3);
 }
 
 TEST_F(ReadBehindTest, OutsideATickEachQuestionHasItsOwnRequestAndBudget) {
