@@ -5,6 +5,7 @@
 #include <new>
 
 #include "FakeSystemCalls.h"
+#include "Fixture.h"
 #include "platform/linux/LinuxKernel.h"
 #include "TemporaryFolder.h"
 

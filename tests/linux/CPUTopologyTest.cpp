@@ -4,6 +4,7 @@
 
 #include <numeric>
 
+#include "Fixture.h"
 #include "HybridLaptop.h"
 #include "TemporaryFolder.h"
 

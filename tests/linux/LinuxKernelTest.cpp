@@ -6,6 +6,7 @@
 
 #include "CountingFileObserver.h"
 #include "FakeSystemCalls.h"
+#include "Fixture.h"
 #include "HybridLaptop.h"
 #include "TemporaryFolder.h"
 
@@ -88,14 +89,14 @@ TEST_F(LinuxKernelTest, EachCapturedMachineReadsAsItsUserSeesIt) {
                   {103168, 896000, 16640, 701440, 51200},
                   XswUsage{2147479552, 1976324096, 171155456},
                   4,
-                  {}},
+                  "AMD Ryzen 3 1200 Quad-Core Processor"},
              Case{"zfs-machine",
                   4096,
                   65798144ull << 10,
                   {2555904, 2883584, 0, 8676352, 131072},
                   XswUsage{},
                   2,
-                  {}},
+                  "Intel(R) Xeon(R) E-2104G CPU @ 3.20GHz"},
              Case{"old-kernel",
                   4096,
                   4046848ull << 10,

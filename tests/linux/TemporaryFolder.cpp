@@ -44,10 +44,4 @@ void TemporaryFolder::copyFrom(const std::string& folder) const {
     fs::copy(folder, path_, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
 }
 
-std::string fixture(const std::string& machine) {
-    const std::string folder = std::string(NORVANE_SOURCE_DIR "/tests/fixtures/") + machine;
-    if (!fs::is_directory(folder)) throw std::runtime_error("no such machine: " + folder);
-    return folder;
-}
-
 }  // namespace norvane

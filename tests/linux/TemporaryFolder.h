@@ -35,7 +35,4 @@ class TemporaryFolder {
     std::string path_;
 };
 
-// Where the files of a captured machine are.
-std::string fixture(const std::string& machine);
-
 }  // namespace norvane

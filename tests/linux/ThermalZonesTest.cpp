@@ -4,6 +4,7 @@
 
 #include "CountingFileObserver.h"
 #include "FakeSystemCalls.h"
+#include "Fixture.h"
 #include "TemporaryFolder.h"
 
 namespace norvane {

@@ -8,11 +8,13 @@ LinuxFileManager::LinuxFileManager(const RootFolder& root, const SystemCalls& ca
                                    std::unique_ptr<Lane> lane)
     : volumes_(
           readBehind, std::move(lane), &TickReads::volumes,
-          [volumes = std::make_shared<Volumes>(root, calls)] { return volumes->read(); }, std::nullopt,
+          [volumes = std::make_shared<Volumes>(root, calls)] { return volumes->read(); }, nullptr,
           [](const auto&, MonotonicInstant) { return true; }) {}
 
 std::optional<std::vector<VolumeURL>> LinuxFileManager::mountedVolumeURLs(TickToken tick) {
-    return volumes_.get(tick);
+    const auto list = volumes_.get(tick);
+    if (!list) return std::nullopt;
+    return *list;
 }
 
 }  // namespace norvane

@@ -20,7 +20,7 @@ class LinuxFileManager final : public FileManager {
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override;
 
  private:
-    SlowReading<std::optional<std::vector<VolumeURL>>> volumes_;
+    SlowReading<std::shared_ptr<const Volumes::List>> volumes_;
 };
 
 }  // namespace norvane

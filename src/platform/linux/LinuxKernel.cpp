@@ -23,12 +23,14 @@ LinuxKernel::LinuxKernel(const RootFolder& root, const SystemCalls& calls, const
       processors_(root),
       readBehind_(lanes.waiter, calls.now),
       host_(files_, processors_, calls.pageBytes, calls.ticksPerSecond),
-      sysctl_(root, files_, processors_, calls.machine),
+      // By what the last reading found: asking a battery may take long.
+      sysctl_(root, files_, processors_, calls.machine,
+              [this] { return !batteries_.newest().services.empty(); }),
       processInfo_(root, files_, calls, readBehind_, lanes.make("thermal"), lowPowerMode_),
       batteries_(
           readBehind_, lanes.make("battery"), &TickReads::battery,
           [batteries = std::make_shared<Batteries>(root, calls.now)] { return batteries->read(); }, {},
-          [](const Batteries::Answer&, MonotonicInstant) { return true; }),
+          Batteries::isDue),
       registry_(root, calls, readBehind_, lanes.make("graphics"), batteries_),
       powerSources_(batteries_),
       fileManager_(root, calls, readBehind_, lanes.make("volumes")) {}

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "platform/linux/BusConnection.h"
 #include "platform/linux/LinuxAppearance.h"
 #include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxDispatch.h"
@@ -15,6 +16,7 @@
 #include "platform/linux/LinuxWallClock.h"
 #include "platform/linux/PangoTextRuler.h"
 #include "platform/linux/TextLayouts.h"
+#include "platform/linux/ThreadLane.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/X11WindowServer.h"
 #include "platform/Platform.h"
@@ -43,11 +45,13 @@ class LinuxMachine {
     LinuxUserDefaults userDefaults_{dispatch_.mainQueue(), LinuxUserDefaults::defaultPath()};
     LinuxUUIDSource uuidSource_;
     LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
-    LinuxPowerProfile powerProfile_{dispatch_.mainQueue(), {}, RootFolder(""), kernel_.lowPowerMode()};
-    LinuxUserNotificationCenter userNotificationCenter_{dispatch_.mainQueue(),
-                                                        LinuxAppearance::sessionBusAddress()};
+    BusConnection systemBus_{dispatch_.mainQueue(), BusConnection::systemAddress()};
+    BusConnection sessionBus_{dispatch_.mainQueue(), BusConnection::sessionAddress()};
+    LinuxPowerProfile powerProfile_{dispatch_.mainQueue(), systemBus_, RootFolder(""),
+                                    std::make_unique<ThreadLane>("power profile"), kernel_.lowPowerMode()};
+    LinuxUserNotificationCenter userNotificationCenter_{dispatch_.mainQueue(), sessionBus_};
     LinuxStandardOutput standardOutput_;
-    LinuxAppearance appearance_{dispatch_.mainQueue(), LinuxAppearance::sessionBusAddress()};
+    LinuxAppearance appearance_{sessionBus_};
     std::unique_ptr<X11Connection> connection_;
     TextLayouts textLayouts_;
     PangoTextRuler textRuler_{textLayouts_};

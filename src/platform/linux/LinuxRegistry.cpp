@@ -10,7 +10,7 @@ LinuxRegistry::LinuxRegistry(const RootFolder& root, const SystemCalls& calls, R
       accelerators_(
           readBehind, std::move(acceleratorLane), &TickReads::accelerators,
           [accelerators = std::make_shared<Accelerators>(root, calls)] { return accelerators->read(); }, {},
-          [](const auto&, MonotonicInstant) { return true; }),
+          &Accelerators::isDue),
       batteries_(batteries) {}
 
 std::optional<std::vector<RegistryEntry>> LinuxRegistry::IOServiceGetMatchingServices(RegistryService service,
@@ -19,7 +19,7 @@ std::optional<std::vector<RegistryEntry>> LinuxRegistry::IOServiceGetMatchingSer
         case RegistryService::IOBlockStorageDriver:
             return disks_.match();
         case RegistryService::IOAccelerator:
-            return accelerators_.get(tick);
+            return accelerators_.get(tick).services;
         case RegistryService::AppleSmartBattery:
             return batteries_.get(tick).services;
     }

@@ -23,7 +23,7 @@ class LinuxRegistry final : public Registry {
 
  private:
     DiskDrivers disks_;
-    SlowReading<std::vector<RegistryEntry>> accelerators_;
+    SlowReading<Accelerators::Answer> accelerators_;
     SlowReading<Batteries::Answer>& batteries_;
 };
 

@@ -22,8 +22,13 @@ bool isArm64(std::string_view machine) {
 
 }  // namespace
 
-LinuxSysctl::LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine)
-    : root_(std::move(root)), files_(files), processors_(processors), machine_(std::move(machine)) {}
+LinuxSysctl::LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine,
+                         std::function<bool()> hasBattery)
+    : root_(std::move(root)),
+      files_(files),
+      processors_(processors),
+      machine_(std::move(machine)),
+      hasBattery_(std::move(hasBattery)) {}
 
 std::optional<std::int64_t> LinuxSysctl::sysctlbyname(SysctlNumber name, TickToken tick) {
     if (name == SysctlNumber::kern_memorystatus_vm_pressure_level) return pressureLevel(tick);
@@ -51,7 +56,7 @@ std::optional<std::int64_t> LinuxSysctl::sysctlbyname(SysctlNumber name, TickTok
 std::optional<std::string> LinuxSysctl::sysctlbyname(SysctlText name) {
     switch (name) {
         case SysctlText::hw_model:
-            return readDeviceModel(root_);
+            return readDeviceModel(root_, hasBattery_);
         case SysctlText::machdep_cpu_brand_string:
             return readBrandString(root_);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "platform/linux/KernelFiles.h"
@@ -12,8 +13,10 @@ namespace norvane {
 // The named values, made from what Linux has in their place.
 class LinuxSysctl final : public Sysctl {
  public:
-    // `machine` is the kind of machine as uname(2) gives it. The references outlive this.
-    LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine);
+    // `machine` is the kind of machine as uname(2) gives it. `hasBattery` tells at once, on any thread,
+    // whether the machine is known to have one. The references outlive this.
+    LinuxSysctl(RootFolder root, KernelFiles& files, ProcessorSet& processors, std::string machine,
+                std::function<bool()> hasBattery);
 
     std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken tick) override;
     std::optional<std::string> sysctlbyname(SysctlText name) override;
@@ -26,6 +29,7 @@ class LinuxSysctl final : public Sysctl {
     KernelFiles& files_;
     ProcessorSet& processors_;
     std::string machine_;
+    std::function<bool()> hasBattery_;
 };
 
 }  // namespace norvane

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <algorithm>
@@ -176,6 +177,20 @@ std::optional<std::string> RootFolder::readLink(const std::string& path) const {
     const auto resolved = resolveBelow(state_->root.get(), path, false);
     if (!resolved) return std::nullopt;
     return linkText(state_->root.get(), *resolved);
+}
+
+std::optional<std::uint32_t> RootFolder::owner(const std::string& path) const {
+    int folder = AT_FDCWD;
+    std::optional<std::string> resolved = path;
+    if (!state_->prefix.empty()) {
+        folder = state_->root.get();
+        resolved = state_->root ? resolveBelow(folder, path, false) : std::nullopt;
+    }
+    struct stat status {};
+    if (!resolved || ::fstatat(folder, resolved->c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return std::nullopt;
+    }
+    return status.st_uid;
 }
 
 }  // namespace norvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,6 +41,9 @@ class RootFolder {
 
     // What the link at `path` says, unresolved; none where there is no link.
     std::optional<std::string> readLink(const std::string& path) const;
+
+    // The user that the file belongs to; of a link, that of the link itself. None where it is missing.
+    std::optional<std::uint32_t> owner(const std::string& path) const;
 
     // Reads an open file from its beginning into `buffer`, which grows as needed, up to `limit`. Gives the
     // number of bytes; without one `errno` says why (EFBIG above the limit).

@@ -35,6 +35,11 @@ class SlowReading {
 
     Value get(TickToken tick) {
         readBehind_.bring(*source_, tick);
+        return newest();
+    }
+
+    // The newest answer there is, asking for none. Any thread.
+    Value newest() const {
         const std::lock_guard lock(shared_->mutex);
         return shared_->newest;
     }

@@ -31,6 +31,7 @@ SystemCalls SystemCalls::real() {
     SystemCalls calls;
     calls.pageBytes = configured(_SC_PAGESIZE, calls.pageBytes);
     calls.ticksPerSecond = configured(_SC_CLK_TCK, calls.ticksPerSecond);
+    calls.userId = ::getuid();
     utsname names{};
     if (::uname(&names) == 0) calls.machine = names.machine;
     calls.memoryBytes = [] {
@@ -47,6 +48,7 @@ SystemCalls SystemCalls::real() {
         return FileSystemSpace{saturatedProduct(space.f_blocks, space.f_frsize),
                                saturatedProduct(space.f_bavail, space.f_frsize)};
     };
+    calls.loadNvidiaFunctions = NvidiaFunctions::load;
     calls.now = [] { return MonotonicInstant(readClock(CLOCK_MONOTONIC)); };
     return calls;
 }

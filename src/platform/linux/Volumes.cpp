@@ -1,13 +1,85 @@
 #include "platform/linux/Volumes.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <utility>
+
+#include "platform/linux/VolumeRules.h"
 
 namespace norvane {
 
-Volumes::Volumes(RootFolder root, SystemCalls calls) : root_(std::move(root)), calls_(std::move(calls)) {}
+namespace {
 
-std::optional<std::vector<VolumeURL>> Volumes::read() {
-    return std::nullopt;
+// A read-only root may well be larger, but no system has room to work in less.
+constexpr std::uint64_t kSmallestRoot = std::uint64_t{1} << 30;
+
+std::int64_t bytes(std::uint64_t count) {
+    constexpr auto kMost = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    return static_cast<std::int64_t>(std::min(count, kMost));
+}
+
+VolumeResourceValues valuesOf(const VolumeMount& volume, const FileSystemSpace& space) {
+    VolumeResourceValues values;
+    values.volumeName = volume.name;
+    values.volumeTotalCapacity = bytes(space.totalBytes);
+    values.volumeAvailableCapacity = bytes(space.availableBytes);
+    values.volumeIsInternal = volume.isInternal;
+    values.volumeIsRootFileSystem = volume.mount.point == "/";
+    values.volumeIsEjectable = volume.isEjectable;
+    return values;
+}
+
+}  // namespace
+
+Volumes::Volumes(RootFolder root, SystemCalls calls, std::shared_ptr<LaneWaiter> waiter)
+    : root_(std::move(root)), calls_(calls), servers_(std::move(calls), std::move(waiter)) {}
+
+std::shared_ptr<const Volumes::List> Volumes::read() {
+    const auto mounts = readVolumeMounts(root_);
+    if (!mounts) return nullptr;
+
+    std::vector<const Mount*> served;
+    for (const VolumeMount& volume : mounts->volumes) {
+        if (mayHang(volume.mount)) served.push_back(&volume.mount);
+    }
+    const auto answers = servers_.ask(served, mounts->table);
+
+    auto list = std::make_shared<List>();
+    list->reserve(mounts->volumes.size());
+    std::size_t next = 0;
+    for (const VolumeMount& volume : mounts->volumes) {
+        std::optional<FileSystemSpace> space;
+        if (mayHang(volume.mount)) {
+            const auto& answer = answers[next++];
+            if (!answer) continue;
+            space = answer->space;
+        } else {
+            space = spaceOf(volume.mount, mounts->table);
+        }
+        std::optional<VolumeResourceValues> values;
+        if (space) values = valuesOf(volume, *space);
+        list->emplace_back(volume.mount.point, std::move(values));
+    }
+    return list;
+}
+
+std::optional<FileSystemSpace> Volumes::spaceOf(const Mount& mount, const std::vector<Mount>& table) const {
+    const auto own = calls_.fileSystemSpace(mount.point);
+    if (mount.point != "/" || !isCompositeType(mount.type)) return own;
+    if (own && !mount.isReadOnly && own->totalBytes >= kSmallestRoot) return own;
+    // An image of the operating system, always full. What users and programs write lies elsewhere; a folder
+    // that is merely a part of the image gives the same answer.
+    for (const char* path : {"/sysroot", "/var"}) {
+        const bool isServed = std::any_of(table.begin(), table.end(), [&](const Mount& other) {
+            return other.point == path && mayHang(other);
+        });
+        if (isServed) continue;
+        const auto space = calls_.fileSystemSpace(path);
+        if (space && space != own) return space;
+    }
+    return own;
 }
 
 }  // namespace norvane

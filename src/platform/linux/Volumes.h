@@ -1,26 +1,40 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "platform/linux/BlockingLaneWaiter.h"
+#include "platform/linux/FileSystemSpaces.h"
+#include "platform/linux/LaneWaiter.h"
 #include "platform/linux/RootFolder.h"
 #include "platform/linux/SystemCalls.h"
+#include "platform/linux/VolumeMounts.h"
 #include "platform/VolumeURL.h"
 
 namespace norvane {
 
-// The mounted file systems that people think of as volumes. Asking a file system for its size may wait for a
-// device or a server, so this belongs on a lane.
+// The mounted file systems that people think of as volumes, and how large they are. Asking for that may wait
+// for servers for a while, so this belongs on a lane.
 class Volumes {
  public:
-    Volumes(RootFolder root, SystemCalls calls);
+    using List = std::vector<VolumeURL>;
 
-    // In the order of the mount table. No value where that cannot be read.
-    std::optional<std::vector<VolumeURL>> read();
+    // `waiter` is how a reading waits for servers.
+    Volumes(RootFolder root, SystemCalls calls,
+            std::shared_ptr<LaneWaiter> waiter = std::make_shared<BlockingLaneWaiter>());
+
+    // In the order of the mount table, never changed again; null where that cannot be read. A volume whose
+    // file system does not tell its size has no values, and one whose server has not answered for long is
+    // left out.
+    std::shared_ptr<const List> read();
 
  private:
+    std::optional<FileSystemSpace> spaceOf(const Mount& mount, const std::vector<Mount>& table) const;
+
     RootFolder root_;
     SystemCalls calls_;
+    FileSystemSpaces servers_;
 };
 
 }  // namespace norvane

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <gio/gio.h>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Cancellation.h"
+#include "platform/MainQueue.h"
+
+namespace norvane {
+
+// A connection of our own to a D-Bus bus, rather than the one that GLib shares: that one ends the process
+// when the bus goes away, and would start a bus where there is none. It is made some time after the
+// construction, since it starts threads of GLib and must not take the processor from the first picture. When
+// it is lost, or cannot be made, it is tried again, ever more seldom.
+//
+// Nothing here waits: every message is asynchronous, and every function that is handed in is called on the
+// main thread, from the main loop, never from within the call that it was handed to. Main thread only, the
+// one that runs GLib's default main context. The connection outlives its users.
+class BusConnection {
+ public:
+    struct Pace {
+        // From the construction to the first attempt.
+        std::chrono::nanoseconds firstAttempt = std::chrono::milliseconds(200);
+        // From a failure to the next attempt; each further pause is twice as long.
+        std::chrono::nanoseconds firstPause = std::chrono::seconds(1);
+        std::chrono::nanoseconds longestPause = std::chrono::minutes(5);
+    };
+
+    // What a method call has by default to be answered.
+    static constexpr std::chrono::milliseconds kUsualLimit = std::chrono::seconds(25);
+
+    // Where nobody said otherwise: the buses of this process; empty where none is there. No bus is ever
+    // started for it.
+    static std::string sessionAddress();
+    static std::string systemAddress();
+
+    // The address is D-Bus' own kind; an empty one stands for no bus.
+    BusConnection(MainQueue& mainQueue, std::string address);
+    BusConnection(MainQueue& mainQueue, std::string address, const Pace& pace);
+    ~BusConnection();
+    BusConnection(const BusConnection&) = delete;
+    BusConnection& operator=(const BusConnection&) = delete;
+
+    enum class State {
+        // The first attempt has not come to an end.
+        starting,
+        connected,
+        // There is no bus, for now or for ever.
+        down,
+    };
+    State state() const;
+    // Told of every change, the first one always after the construction has returned.
+    [[nodiscard]] Cancellation onStateChange(std::function<void(State)> observer);
+
+    // The texts are literals.
+    struct Call {
+        const char* name;
+        const char* path;
+        const char* interface;
+        const char* method;
+        // A tuple, which the call takes over if it is floating; null for none.
+        GVariant* parameters = nullptr;
+        // An answer of another type is an error; null takes any.
+        const GVariantType* answerType = nullptr;
+        GDBusCallFlags flags = G_DBUS_CALL_FLAGS_NONE;
+        // From now on; what is spent on connecting counts.
+        std::chrono::milliseconds limit = kUsualLimit;
+    };
+    // Either an answer or an error, valid until the function returns.
+    using Answered = std::function<void(GVariant* answer, const GError* error)>;
+    // Calls the method. Without a connection that waits for the attempt under way, or starts one. The
+    // function is called once, unless the returned value was cancelled or destroyed first; the call itself is
+    // not taken back then.
+    [[nodiscard]] Cancellation call(const Call& call, Answered answered);
+
+    // The texts are literals; null ones stand for any.
+    struct Signal {
+        const char* sender;
+        const char* path;
+        const char* interface;
+        const char* member;
+        const char* firstArgument = nullptr;
+    };
+    // Follows a signal over every connection that is yet to come. A signal that is sent while there is none
+    // is missed: on `connected` the state must be asked for anew.
+    [[nodiscard]] Cancellation onSignal(const Signal& signal,
+                                        std::function<void(GVariant* parameters)> received);
+    // Told whenever the name came, went or passed to another owner.
+    [[nodiscard]] Cancellation onOwnerChange(const char* name, std::function<void(bool hasOwner)> changed);
+
+ private:
+    class Link;
+
+    std::shared_ptr<Link> link_;
+};
+
+}  // namespace norvane

@@ -1,0 +1,182 @@
+#include "platform/linux/FileSystemSpaces.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "FakeServers.h"
+
+namespace norvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr FileSystemSpace kSmall{100, 40};
+constexpr FileSystemSpace kLarge{900, 500};
+
+class FileSystemSpacesTest : public testing::Test {
+ protected:
+    FakeSystemCalls system;
+    FakeServers servers{system};
+    FileSystemSpaces spaces{system.calls, servers.waiter()};
+    std::vector<Mount> table;
+
+    void add(std::uint64_t id, const std::string& path, FileSystemSpace space = kSmall) {
+        Mount mount;
+        mount.id = id;
+        mount.device = {0, static_cast<std::uint32_t>(id)};
+        mount.point = path;
+        mount.type = "nfs4";
+        table.push_back(mount);
+        servers.set(path, space);
+    }
+
+    // The total sizes by mount; -1 where the call failed, and none without an answer.
+    using Totals = std::vector<std::optional<int>>;
+    Totals ask(std::size_t expectedCalls) {
+        servers.expectCalls(expectedCalls);
+        std::vector<const Mount*> asked;
+        for (const Mount& mount : table)
+            asked.push_back(&mount);
+        Totals totals;
+        for (const auto& answer : spaces.ask(asked, table)) {
+            if (!answer) {
+                totals.emplace_back();
+            } else {
+                totals.emplace_back(answer->space ? static_cast<int>(answer->space->totalBytes) : -1);
+            }
+        }
+        return totals;
+    }
+};
+
+using Paths = std::vector<std::string>;
+using Waits = std::vector<std::chrono::nanoseconds>;
+
+TEST_F(FileSystemSpacesTest, ServersThatAnswerAreAskedEachTime) {
+    EXPECT_EQ(ask(0), Totals{});
+    EXPECT_TRUE(servers.takeGranted().empty()) << "nobody to wait for";
+    for (std::uint64_t id = 1; id <= 9; ++id)
+        add(id, "/" + std::to_string(id), {id, 0});
+    EXPECT_EQ(ask(9), (Totals{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    servers.set("/3", kLarge);
+    servers.setFailing("/4");
+    EXPECT_EQ(ask(9), (Totals{1, 2, 900, -1, 5, 6, 7, 8, 9}));
+}
+
+TEST_F(FileSystemSpacesTest, AHungServerCostsOneWaitAndOneThread) {
+    add(1, "/dead");
+    add(2, "/alive", kLarge);
+    servers.hang("/dead");
+    EXPECT_EQ(ask(2), (Totals{std::nullopt, 900}));
+    EXPECT_EQ(servers.takeGranted(), Waits{250ms});
+    EXPECT_EQ(servers.callsOut(), 1u);
+    servers.takeAsked();
+
+    for (int i = 0; i < 100; ++i) {
+        system.advance(30s);
+        EXPECT_EQ(ask(1), (Totals{std::nullopt, 900}));
+    }
+    EXPECT_EQ(servers.callsOut(), 1u);
+    EXPECT_EQ(servers.takeAsked(), Paths(100, "/alive"));
+
+    table.pop_back();
+    servers.takeGranted();
+    EXPECT_EQ(ask(0), Totals{std::nullopt});
+    EXPECT_TRUE(servers.takeGranted().empty()) << "what was late before is not waited for";
+}
+
+TEST_F(FileSystemSpacesTest, AnswersFromEarlierServeForTenMinutes) {
+    add(1, "/nas");
+    EXPECT_EQ(ask(1), Totals{100});
+    servers.hang("/nas");
+    system.advance(10min - 250ms - 1ns);
+    EXPECT_EQ(ask(1), Totals{100});
+    system.advance(1ns);
+    EXPECT_EQ(ask(0), Totals{std::nullopt});
+}
+
+TEST_F(FileSystemSpacesTest, AServerThatCameBackIsLeftAloneForAMinute) {
+    add(1, "/nas");
+    servers.hang("/nas");
+    EXPECT_EQ(ask(1), Totals{std::nullopt});
+    system.advance(1h);
+    servers.release("/nas");
+    EXPECT_EQ(ask(0), Totals{100}) << "the late answer is an answer";
+    servers.set("/nas", kLarge);
+    system.advance(60s - 1ns);
+    EXPECT_EQ(ask(0), Totals{100});
+    system.advance(1ns);
+    EXPECT_EQ(ask(1), Totals{900});
+    EXPECT_EQ(ask(1), Totals{900}) << "in time, so no pause";
+}
+
+TEST_F(FileSystemSpacesTest, FourHungServersAreTheMost) {
+    for (std::uint64_t id = 1; id <= 4; ++id) {
+        add(id, "/dead" + std::to_string(id));
+        servers.hang(table.back().point);
+    }
+    add(5, "/alive");
+    EXPECT_EQ(ask(4), Totals(5));
+    EXPECT_EQ(servers.callsOut(), 4u);
+    servers.takeGranted();
+    EXPECT_EQ(ask(0), Totals(5));
+    EXPECT_TRUE(servers.takeGranted().empty()) << "no thread will come free";
+
+    servers.release("/dead2");
+    EXPECT_EQ(ask(1), (Totals{std::nullopt, 100, std::nullopt, std::nullopt, 100}));
+    EXPECT_EQ(servers.callsOut(), 3u);
+}
+
+TEST_F(FileSystemSpacesTest, AMountThatWentIsForgotten) {
+    add(1, "/nas");
+    EXPECT_EQ(ask(1), Totals{100});
+    servers.hang("/nas");
+    EXPECT_EQ(ask(1), Totals{100});
+
+    const std::vector<Mount> before = std::exchange(table, {});
+    EXPECT_EQ(ask(0), Totals{});
+    table = before;
+    servers.release("/nas");
+    servers.set("/nas", kLarge);
+    EXPECT_EQ(ask(1), Totals{900}) << "no pause, no answer from before";
+
+    servers.hang("/nas");
+    EXPECT_EQ(ask(1), Totals{900});
+    table[0].point = "/other";
+    servers.set("/other", kSmall);
+    EXPECT_EQ(ask(1), Totals{100}) << "another mount under the same id";
+}
+
+TEST_F(FileSystemSpacesTest, ThreadsOutliveWhoeverAsked) {
+    add(1, "/dead");
+    servers.hang("/dead");
+    servers.expectCalls(1);
+    {
+        FileSystemSpaces gone(system.calls, servers.waiter());
+        gone.ask({&table[0]}, table);
+    }
+    EXPECT_EQ(servers.callsOut(), 1u);
+    servers.release("/dead");
+}
+
+TEST_F(FileSystemSpacesTest, AnExceptionIsAFailedCall) {
+    add(1, "/nas");
+    SystemCalls calls = system.calls;
+    calls.fileSystemSpace =
+        [answer = calls.fileSystemSpace](const std::string& path) -> std::optional<FileSystemSpace> {
+        answer(path);
+        throw std::bad_alloc();
+    };
+    FileSystemSpaces throwing(calls, servers.waiter());
+    servers.expectCalls(1);
+    const auto answers = throwing.ask({&table[0]}, table);
+    ASSERT_TRUE(answers.at(0));
+    EXPECT_FALSE(answers[0]->space);
+}
+
+}  // namespace
+}  // namespace norvane
