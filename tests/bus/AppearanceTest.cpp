@@ -127,6 +127,8 @@ class AppearanceTest : public testing::Test {
     GTestDBus* const bus_;
 };
 
+constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns};
+
 GVariant* scheme(guint32 number) {
     return g_variant_new_uint32(number);
 }
@@ -146,7 +148,8 @@ TEST_F(AppearanceTest, IsAskedOfNewAndOldPortals) {
           Case{"no preference, by Read", Portal::Knows::readOnly, 0, false, 1},
           Case{"a number of the future", Portal::Knows::both, 3, false, 0}}) {
         Portal portal(address, c.knows, Portal::Answers::atOnce, scheme(c.scheme));
-        LinuxAppearance appearance(queue, address, 0ns);
+        BusConnection bus(queue, address, kAtOnce);
+        LinuxAppearance appearance(bus);
         EXPECT_FALSE(appearance.isDark()) << c.name;
         int told = 0;
         const auto subscription = appearance.onDidChange([&] { ++told; });
@@ -164,7 +167,8 @@ TEST_F(AppearanceTest, IsAskedOfNewAndOldPortals) {
 
 TEST_F(AppearanceTest, FollowsTheSettingAndNothingElse) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(2));
-    LinuxAppearance appearance(queue, address, 0ns);
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus);
     int told = 0;
     const auto subscription = appearance.onDidChange([&] { ++told; });
     ASSERT_TRUE(runUntil([&] { return portal.readOneCalls == 1; }));
@@ -185,7 +189,8 @@ TEST_F(AppearanceTest, FollowsTheSettingAndNothingElse) {
 
 TEST_F(AppearanceTest, IsLightWhileThePortalDoesNotAnswerAndTakesALateAnswer) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::never, scheme(1));
-    LinuxAppearance appearance(queue, address, 0ns);
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus);
     ASSERT_TRUE(runUntil([&] { return portal.readOneCalls == 1; }));
     EXPECT_FALSE(appearance.isDark());
     portal.answerAll();
@@ -193,7 +198,8 @@ TEST_F(AppearanceTest, IsLightWhileThePortalDoesNotAnswerAndTakesALateAnswer) {
 }
 
 TEST_F(AppearanceTest, AsksAPortalThatComesLater) {
-    LinuxAppearance appearance(queue, address, 0ns);
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus);
     GDBusConnection* const watcher = connectTo(address);
     // The only other one on the bus has asked for the portal once it has its match rules.
     const auto countOfRules = [&] {
@@ -219,15 +225,20 @@ TEST_F(AppearanceTest, AsksAPortalThatComesLater) {
 
 TEST_F(AppearanceTest, GoesAwayAtAnyMoment) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::never, scheme(1));
-    { const LinuxAppearance neverStarted(queue, address, 1h); }
+    {
+        BusConnection neverStarted(queue, address, {.firstAttempt = 1h});
+        const LinuxAppearance appearance(neverStarted);
+    }
     for (int turns = 0; turns < 30; ++turns) {
-        const LinuxAppearance appearance(queue, address, 0ns);
+        BusConnection bus(queue, address, kAtOnce);
+        const LinuxAppearance appearance(bus);
         for (int turn = 0; turn < turns; ++turn)
             g_main_context_iteration(nullptr, FALSE);
     }
     const int before = portal.readOneCalls;
     {
-        const LinuxAppearance appearance(queue, address, 0ns);
+        BusConnection bus(queue, address, kAtOnce);
+        const LinuxAppearance appearance(bus);
         ASSERT_TRUE(runUntil([&] { return portal.readOneCalls > before; }));
     }
     portal.answerAll();
@@ -237,7 +248,8 @@ TEST_F(AppearanceTest, GoesAwayAtAnyMoment) {
 
 TEST_F(AppearanceTest, IsLightWithoutABus) {
     for (const char* broken : {"", "nonsense", "unix:path=/nowhere/at/all"}) {
-        const LinuxAppearance appearance(queue, broken, 0ns);
+        BusConnection bus(queue, broken, kAtOnce);
+        const LinuxAppearance appearance(bus);
         bool isOver = false;
         const auto end = queue.after(5ms, [&] { isOver = true; });
         EXPECT_TRUE(runUntil([&] { return isOver; }));
@@ -246,7 +258,7 @@ TEST_F(AppearanceTest, IsLightWithoutABus) {
 }
 
 TEST_F(AppearanceTest, FindsTheBusOfItsSession) {
-    EXPECT_EQ(LinuxAppearance::sessionBusAddress(), address);
+    EXPECT_EQ(BusConnection::sessionAddress(), address);
 }
 
 }  // namespace
