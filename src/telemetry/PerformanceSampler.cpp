@@ -1,6 +1,7 @@
 #include "telemetry/PerformanceSampler.h"
 
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "telemetry/BootVolume.h"
@@ -17,6 +18,11 @@ std::shared_ptr<const PerformanceSampler::History> appended(const PerformanceSam
     longer->assign(history.begin() + (wasFull ? 1 : 0), history.end());
     longer->push_back(point);
     return longer;
+}
+
+// Seconds that can be counted with; 0 for what is no length of time.
+double timeOr0(double seconds) {
+    return std::isfinite(seconds) && seconds > 0 ? seconds : 0;
 }
 
 }  // namespace
@@ -105,6 +111,7 @@ PerformanceSampler::LightReadings PerformanceSampler::runLightHalf(TickToken tok
 void PerformanceSampler::runFullHalf(TickToken token, const TickCadence& cadence,
                                      const LightReadings& light) {
     CoreUsageReading cores = cpuReader_.readCoreUsage(token);
+    const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
     if (cadence.readsGPUAndDisk) {
         cachedGPU_ = gpuReader_.readGPUUtilization(token);
         cachedDiskVelocity_ = diskReader_.readDiskVelocity(token);
@@ -121,7 +128,7 @@ void PerformanceSampler::runFullHalf(TickToken token, const TickCadence& cadence
         {.performance = cores.performanceUsage, .efficiency = cores.efficiencyUsage, .total = light.cpu});
 
     const WallInstant now = wallClock_.now();
-    SystemSnapshot decided = assembled(token, light, std::move(cores), now);
+    SystemSnapshot decided = assembled(light, std::move(cores), detail, now);
     classifier_.classify(decided, now);
     auto snapshot = std::make_shared<const SystemSnapshot>(std::move(decided));
 
@@ -138,9 +145,8 @@ void PerformanceSampler::runFullHalf(TickToken token, const TickCadence& cadence
     });
 }
 
-SystemSnapshot PerformanceSampler::assembled(TickToken token, const LightReadings& light,
-                                             CoreUsageReading cores, WallInstant now) {
-    const MemoryDetail detail = memoryReader_.readMemoryDetail(token);
+SystemSnapshot PerformanceSampler::assembled(const LightReadings& light, CoreUsageReading cores,
+                                             const MemoryDetail& detail, WallInstant now) {
     const DiskSnapshot* const boot = bootVolumeOf(*cachedVolumes_);
     const DeviceModel model = deviceIdentity_.deviceModel();
     return {
@@ -155,7 +161,7 @@ SystemSnapshot PerformanceSampler::assembled(TickToken token, const LightReading
         .efficiencyCoreUsages = std::move(cores.efficiencyUsages),
         .performanceCoreUsages = std::move(cores.performanceUsages),
         .idlePercent = cores.idlePercent,
-        .uptime = processInfo_.systemUptime(),
+        .uptime = timeOr0(processInfo_.systemUptime()),
         .gpuUsage = cachedGPU_,
         .usedMemoryGB = light.memory.used,
         .totalMemoryGB = light.memory.total,

@@ -88,7 +88,7 @@ class PerformanceSampler : public std::enable_shared_from_this<PerformanceSample
     LightReadings runLightHalf(TickToken token);
     void runFullHalf(TickToken token, const TickCadence& cadence, const LightReadings& light);
     // With everything that is read; what is decided from it is still to come.
-    SystemSnapshot assembled(TickToken token, const LightReadings& light, CoreUsageReading cores,
+    SystemSnapshot assembled(const LightReadings& light, CoreUsageReading cores, const MemoryDetail& detail,
                              WallInstant now);
 
     // Written on the main thread.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -18,13 +19,20 @@ class PerformanceSamplerTest : public testing::Test {
     // How often each source has been asked.
     struct Reads {
         std::uint64_t cpu, memory, swapCounters, swap, pressure, thermal, cores, uptime;
+        // The slow ones. A refresh of the battery matches its service and asks for the power sources twice.
+        std::uint64_t accelerators, drives, batteries, powerSources, volumes;
         bool operator==(const Reads&) const = default;
         friend std::ostream& operator<<(std::ostream& out, const Reads& r) {
             return out << r.cpu << " cpu, " << r.memory << " memory, " << r.swapCounters << " swap counters, "
                        << r.swap << " swap, " << r.pressure << " pressure, " << r.thermal << " thermal, "
-                       << r.cores << " cores, " << r.uptime << " uptime";
+                       << r.cores << " cores, " << r.uptime << " uptime, " << r.accelerators
+                       << " accelerators, " << r.drives << " drives, " << r.batteries << " batteries, "
+                       << r.powerSources << " power sources, " << r.volumes << " volumes";
         }
     };
+    ScriptedAnswer<ScriptedRegistry::Services>& services(RegistryService kind) {
+        return machine_.registry.services(kind);
+    }
     Reads reads() {
         return {machine_.hostPort.statistics.asked(),
                 machine_.hostPort.statistics64.asked(),
@@ -33,12 +41,46 @@ class PerformanceSamplerTest : public testing::Test {
                 machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).asked(),
                 machine_.processInfo.thermal.asked(),
                 machine_.hostPort.processorInfo.asked(),
-                machine_.processInfo.uptime.asked()};
+                machine_.processInfo.uptime.asked(),
+                services(RegistryService::IOAccelerator).asked(),
+                services(RegistryService::IOBlockStorageDriver).asked(),
+                services(RegistryService::AppleSmartBattery).asked(),
+                machine_.powerSources.sources.asked(),
+                machine_.fileManager.volumes.asked()};
     }
-    // What the cadence makes of so many ticks, of which so many were full: a full tick reads the memory
-    // twice, and the swap in use with the first of them only.
-    static Reads readsOf(std::uint64_t ticks, std::uint64_t full) {
-        return {ticks, ticks + full, full, ticks, ticks, ticks, full, full};
+    // What the cadence makes of so many ticks, of which so many were full, of which so many also read the
+    // drives or the volumes: a full tick reads the memory twice, and the swap in use with the first of them
+    // only.
+    static Reads readsOf(std::uint64_t ticks, std::uint64_t full, std::uint64_t thirds,
+                         std::uint64_t thirtieths, std::uint64_t batteries) {
+        return {ticks, ticks + full, full,   ticks,         ticks,         ticks,     full,
+                full,  thirds,       thirds, 2 * batteries, 2 * batteries, thirtieths};
+    }
+    // Every slow source looks whether the tick announced that it would be asked.
+    void SetUp() override {
+        machine_.registry.services(RegistryService::IOAccelerator).from([this] {
+            EXPECT_TRUE(machine_.registry.lastTick.reads.accelerators);
+            return std::nullopt;
+        });
+        machine_.registry.services(RegistryService::AppleSmartBattery).from([this] {
+            EXPECT_TRUE(machine_.registry.lastTick.reads.battery);
+            return ScriptedRegistry::Services({RegistryEntry(PropertyDictionary())});
+        });
+        // The others do not keep their tokens; a tick's first question does.
+        machine_.powerSources.sources.from([this] {
+            EXPECT_TRUE(machine_.hostPort.tokens.back().reads.battery);
+            return std::nullopt;
+        });
+        machine_.fileManager.volumes.from([this] {
+            EXPECT_TRUE(machine_.hostPort.tokens.back().reads.volumes);
+            return std::nullopt;
+        });
+    }
+    // How many ticks have announced it.
+    std::uint64_t announced(bool TickReads::*source) {
+        return static_cast<std::uint64_t>(
+            std::count_if(machine_.hostPort.tokens.begin(), machine_.hostPort.tokens.end(),
+                          [&](const TickToken& token) { return token.reads.*source; }));
     }
     std::uint64_t ticks() { return machine_.hostPort.statistics.asked(); }
     ScriptedLoop::Queue& queue() { return *machine_.dispatch.serialLoopQueue("Norvane.sampler"); }
@@ -67,7 +109,7 @@ TEST_F(PerformanceSamplerTest, HiddenRunsTheLightHalfOnceASecond) {
     EXPECT_EQ(ticks(), 1U) << "the first tick comes at once";
     EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{0, 4, 16})) << "a share needs two readings";
     machine_.advance(59s);
-    EXPECT_EQ(reads(), readsOf(60, 0));
+    EXPECT_EQ(reads(), readsOf(60, 0, 0, 0, 2));
     EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{25, 4, 16}));
     EXPECT_EQ(sampler_->snapshot().get(), nullptr);
     EXPECT_TRUE(sampler_->cpuHistory().get()->empty());
@@ -93,13 +135,14 @@ TEST_F(PerformanceSamplerTest, OpeningTicksAtOnceAndShowsAMovedTotal) {
 TEST_F(PerformanceSamplerTest, OnlyAChangeToVisibleForcesAndHidingTicksNothing) {
     sampler_->setUIVisible(true);
     machine_.settle();
-    EXPECT_EQ(reads(), readsOf(1, 1));
+    EXPECT_EQ(reads(), readsOf(1, 1, 1, 1, 1))
+        << "the battery once, though the first tick and the forced one want it";
     sampler_->setUIVisible(true);
     machine_.settle();
-    EXPECT_EQ(reads(), readsOf(2, 2));
+    EXPECT_EQ(reads(), readsOf(2, 2, 1, 1, 1));
     sampler_->setUIVisible(false);
     machine_.settle();
-    EXPECT_EQ(reads(), readsOf(2, 2));
+    EXPECT_EQ(reads(), readsOf(2, 2, 1, 1, 1));
 
     // Shown and hidden again before the queue comes to it: the forced tick is a full one all the same, and
     // the next timer tick a light one.
@@ -110,9 +153,9 @@ TEST_F(PerformanceSamplerTest, OnlyAChangeToVisibleForcesAndHidingTicksNothing) 
     machine_.settle();
     queue().letGo();
     machine_.settle();
-    EXPECT_EQ(reads(), readsOf(4, 3));
+    EXPECT_EQ(reads(), readsOf(4, 3, 2, 2, 2));
     machine_.advance(1s);
-    EXPECT_EQ(reads(), readsOf(5, 3));
+    EXPECT_EQ(reads(), readsOf(5, 3, 2, 2, 2));
 }
 
 TEST_F(PerformanceSamplerTest, ASnapshotHasNeutralValuesForWhatFailed) {
@@ -293,11 +336,22 @@ TEST_F(PerformanceSamplerTest, ADayWithRandomOpeningsKeepsToTheCadence) {
     std::mt19937 random(20'260'101);
     sampler_->start();
     std::uint64_t full = 0;
+    std::uint64_t thirds = 0;
+    std::uint64_t thirtieths = 0;
+    std::uint64_t shownMinutes = 0;
     std::uint64_t openings = 0;
+    bool isForced = false;
     std::size_t longestHistory = 0;
     const auto history = sampler_->cpuHistory().observe(
         [&](const auto& points) { longestHistory = std::max(longestHistory, points->size()); });
-    const auto snapshots = sampler_->snapshot().observe([&](const auto&) { ++full; });
+    const auto snapshots = sampler_->snapshot().observe([&](const auto&) {
+        const std::uint64_t tick = ticks();
+        ++full;
+        thirds += isForced || tick % 3 == 0 ? 1 : 0;
+        thirtieths += isForced || tick % 30 == 0 ? 1 : 0;
+        shownMinutes += tick % 60 == 0 ? 1 : 0;
+        isForced = false;
+    });
     const auto day = machine_.time.monotonic() + 24h - 1ms;  // the firing at the end belongs to the next day
     while (machine_.time.monotonic() < day) {
         const auto hidden = std::chrono::milliseconds(random() % 1'800'000);
@@ -306,13 +360,19 @@ TEST_F(PerformanceSamplerTest, ADayWithRandomOpeningsKeepsToTheCadence) {
         machine_.advance(std::min<std::chrono::nanoseconds>(hidden, day - machine_.time.monotonic()));
         if (machine_.time.monotonic() >= day) break;
         ++openings;
+        isForced = true;
         sampler_->setUIVisible(true);
         machine_.advance(std::min<std::chrono::nanoseconds>(shown, day - machine_.time.monotonic()));
         sampler_->setUIVisible(false);
     }
     EXPECT_GT(openings, 50U);
     EXPECT_EQ(ticks(), 86'400 + openings);
-    EXPECT_EQ(reads(), readsOf(86'400 + openings, full));
+    const std::uint64_t hiddenMinutes = ticks() / 60 - shownMinutes;
+    const std::uint64_t batteries = 1 + hiddenMinutes + thirds;  // the first tick was a hidden one
+    EXPECT_EQ(reads(), readsOf(86'400 + openings, full, thirds, thirtieths, batteries));
+    EXPECT_EQ(announced(&TickReads::accelerators), thirds);
+    EXPECT_EQ(announced(&TickReads::battery), batteries);
+    EXPECT_EQ(announced(&TickReads::volumes), thirtieths);
     EXPECT_EQ(longestHistory, 60U);
 }
 
