@@ -65,6 +65,10 @@ class ScriptedLoop {
     bool runNext();
     // Lets time pass, stopping at each firing on the way.
     void advance(std::chrono::nanoseconds by);
+    // When the next firing is due, perhaps of a timer that has ended; none if nothing is.
+    std::optional<MonotonicInstant> nextFiring() const {
+        return firings_.empty() ? std::nullopt : std::optional(firings_.begin()->first);
+    }
 
  private:
     struct Firing {

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "Transcripts.h"
+
+namespace norvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The real program, called as people call it.
+class ScenarioProgramTest : public testing::Test {
+ protected:
+    void SetUp() override {
+        folder_ = fs::path(testing::TempDir()) / ("norvane-scenario-" + std::to_string(std::rand()));
+        fs::create_directories(folder_);
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    // Whether it ended with success.
+    bool run(const std::string& arguments) {
+        const std::string command = "cd '" + folder_.string() + "' && '" + NORVANE_BINARY_DIR +
+                                    "/norvane-scenario' " + arguments + " >output 2>errors";
+        return std::system(command.c_str()) == 0;
+    }
+    void write(const std::string& name, const std::string& contents) const {
+        std::ofstream(folder_ / name, std::ios::binary) << contents;
+    }
+    std::string read(const std::string& name) const {
+        std::ifstream stream(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+ private:
+    fs::path folder_;
+};
+
+// What stands in the first block of this language.
+std::string blockIn(const std::string& text, const std::string& language) {
+    const std::string opening = "```" + language + "\n";
+    const std::size_t begin = text.find(opening) + opening.size();
+    return text.substr(begin, text.find("```", begin) - begin);
+}
+
+TEST_F(ScenarioProgramTest, PrintsWhatTheManualSays) {
+    const std::string manual = contentsOf("tools/README.md");
+    write("sample.jsonl", blockIn(manual, "json"));
+    EXPECT_TRUE(run("sample.jsonl")) << read("errors");
+    EXPECT_EQ(read("output"), blockIn(manual, "text"));
+    EXPECT_EQ(read("errors"), "");
+    EXPECT_GT(linesOf(read("output")).size(), 5U);
+}
+
+TEST_F(ScenarioProgramTest, NamesFileAndLineOfAnError) {
+    write("broken.jsonl", "{\"note\": \"so far\"}\n\n{\"lod\": 5}\n{\"note\": \"never\"}\n");
+    EXPECT_FALSE(run("broken.jsonl"));
+    EXPECT_EQ(read("output"), "so far\n");
+    EXPECT_EQ(read("errors"), "broken.jsonl:3: \"lod\" is not known\n");
+    EXPECT_FALSE(run("missing.jsonl"));
+    EXPECT_EQ(read("errors"), "missing.jsonl: cannot be read\n");
+    EXPECT_FALSE(run("."));
+    EXPECT_EQ(read("errors"), ".: cannot be read\n");
+    EXPECT_FALSE(run(""));
+    EXPECT_EQ(read("errors"), "usage: norvane-scenario FILE\n");
+}
+
+}  // namespace
+}  // namespace norvane

@@ -1,0 +1,154 @@
+#include "scenario/ShownThing.h"
+
+#include <memory>
+
+#include "platform/scripted/ScriptedPopoverWindow.h"
+#include "scenario/ShownJson.h"
+#include "scenario/SnapshotFields.h"
+
+namespace norvane {
+namespace {
+
+// The tree's leaves and groups as somebody hears them: "CPU 12.00 %".
+std::string heard(const AccessibleNode& node) {
+    return node.name + (node.name.empty() || node.value.empty() ? "" : " ") + node.value;
+}
+
+void hearAll(const AccessibleNode& node, Json& texts) {
+    if (!heard(node).empty()) texts.push_back(heard(node));
+    for (const AccessibleNode& child : node.children)
+        hearAll(child, texts);
+}
+
+// The open dashboard's tree; a node without children where none is open.
+AccessibleNode dashboardTree(const Sight& sight) {
+    const auto& windows = sight.machine.windowServer.windows();
+    if (windows.empty()) return {};
+    windows.back()->picture();  // the tree goes with a picture
+    return windows.back()->content().accessibleTree();
+}
+
+Json dashboard(const Sight& sight) {
+    Json texts = Json::array();
+    for (const AccessibleNode& child : dashboardTree(sight).children)
+        hearAll(child, texts);
+    return texts.empty() ? Json() : texts;
+}
+
+// The title is the dashboard's first text, the status line its second.
+Json statusLine(const Sight& sight) {
+    int texts = 0;
+    for (const AccessibleNode& child : dashboardTree(sight).children) {
+        if (child.role == AccessibleRole::text && ++texts == 2) return child.name;
+    }
+    return {};
+}
+
+// "37% 4.0G"
+Json label(const Sight& sight) {
+    const ScriptedWindowServer& desktop = sight.machine.windowServer;
+    if (desktop.statusItemContent() == nullptr) return {};
+    desktop.statusItemPicture();
+    std::string text;
+    for (const AccessibleNode& column : desktop.statusItemContent()->accessibleTree().children) {
+        const std::string& said = column.value.empty() ? column.name : column.value;
+        text += (text.empty() || said.empty() ? "" : " ") + said;
+    }
+    return text;
+}
+
+template <typename Publication>
+auto published(Publication publication) {
+    return [publication](const Sight& sight) {
+        const PerformanceSampler* const sampler = sight.sampler();
+        return sampler != nullptr ? publication(*sampler) : Json();
+    };
+}
+
+Json menuBarStats(const PerformanceSampler& sampler) {
+    const MenuBarStats stats = sampler.menuBarStats().get();
+    return {{"cpu", shownJson(stats.cpu)},
+            {"ramUsed", shownJson(stats.ramUsed)},
+            {"ramTotal", shownJson(stats.ramTotal)}};
+}
+
+// How many points there are, and the newest.
+Json cpuHistory(const PerformanceSampler& sampler) {
+    const auto history = sampler.cpuHistory().get();
+    Json shown{{"points", history->size()}};
+    if (history->empty()) return shown;
+    shown["performance"] = shownJson(history->back().performance);
+    shown["efficiency"] = shownJson(history->back().efficiency);
+    shown["total"] = shownJson(history->back().total);
+    return shown;
+}
+
+std::string told(const NotificationContent& content) {
+    return content.title + ": " + content.body;
+}
+
+Json notificationsAdded(const Sight& sight) {
+    Json list = Json::array();
+    for (const NotificationRequest& request : sight.machine.userNotificationCenter.added)
+        list.push_back(told(request.content));
+    return list;
+}
+
+Json notificationsShown(const Sight& sight) {
+    Json list = Json::array();
+    for (const NotificationContent& content : sight.machine.userNotificationCenter.shown)
+        list.push_back(told(content));
+    return list;
+}
+
+Json output(const Sight& sight) {
+    return shownJson(sight.machine.standardOutput.lines);
+}
+
+std::vector<ShownThing> allThings() {
+    using Kind = ShownThing::Kind;
+    using Sampler = PerformanceSampler;
+    std::vector<ShownThing> things = {
+        {"isRunning", Kind::value, [](const Sight& sight) { return Json(sight.app != nullptr); }},
+        {"systemState", Kind::value,
+         published([](const Sampler& sampler) { return shownJson(sampler.systemState().get()); })},
+        {"isUIVisible", Kind::value,
+         published([](const Sampler& sampler) { return shownJson(sampler.isUIVisible().get()); })},
+        {"menuBarStats", Kind::value, published(menuBarStats)},
+        {"volumes", Kind::value,
+         published([](const Sampler& sampler) { return shownJson(*sampler.volumes().get()); })},
+        {"cpuHistory", Kind::value, published(cpuHistory)},
+        {"label", Kind::value, label},
+        {"status", Kind::value, statusLine},
+        {"dashboard", Kind::value, dashboard},
+        {"notificationsAdded", Kind::log, notificationsAdded},
+        {"notificationsShown", Kind::log, notificationsShown},
+        {"output", Kind::log, output},
+    };
+    for (const SnapshotField& field : snapshotFields()) {
+        things.push_back({"snapshot." + std::string(field.name), Kind::value,
+                          published([shown = field.shown](const Sampler& sampler) {
+                              const auto snapshot = sampler.snapshot().get();
+                              return snapshot ? shown(*snapshot) : Json();
+                          })});
+    }
+    return things;
+}
+
+}  // namespace
+
+const std::vector<ShownThing>& shownThings() {
+    static const std::vector<ShownThing> things = allThings();
+    return things;
+}
+
+std::vector<const ShownThing*> shownThingsNamed(std::string_view name) {
+    std::vector<const ShownThing*> named;
+    for (const ShownThing& thing : shownThings()) {
+        const bool isField = name == "snapshot" && thing.name.starts_with("snapshot.");
+        if (isField || thing.name == name) named.push_back(&thing);
+    }
+    return named;
+}
+
+}  // namespace norvane
