@@ -6,9 +6,11 @@
 
 namespace norvane {
 
-ScratchFolder::ScratchFolder() {
+ScratchFolder::ScratchFolder(const std::string& parent) {
     std::error_code error;
-    std::string name = (std::filesystem::temp_directory_path(error) / "norvane-benchmark-XXXXXX").string();
+    const auto above =
+        parent.empty() ? std::filesystem::temp_directory_path(error) : std::filesystem::path(parent);
+    std::string name = (above / "norvane-benchmark-XXXXXX").string();
     if (!error && ::mkdtemp(name.data()) != nullptr) path_ = name;
 }
 

@@ -4,11 +4,12 @@
 
 namespace norvane {
 
-// An empty folder for the preferences and sockets of the programs that are measured. It goes away with this,
-// and everything in it.
+// An empty folder for what is measured: preferences and sockets of programs, files of machines. It goes away
+// with this, and everything in it.
 class ScratchFolder {
  public:
-    ScratchFolder();
+    // Below `parent`, or where temporary files belong if that is empty.
+    explicit ScratchFolder(const std::string& parent = {});
     ~ScratchFolder();
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;

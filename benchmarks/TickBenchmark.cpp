@@ -11,6 +11,7 @@
 #include "AllocationCount.h"
 #include "BareLoop.h"
 #include "LiveSampler.h"
+#include "MachineBenchmarks.h"
 #include "Measured.h"
 #include "MedianReporter.h"
 #include "ViewBenchmarks.h"
@@ -117,6 +118,7 @@ int run(int argumentCount, char** arguments) {
 
     addPair("light tick", BareLoop::Half::light);
     addPair("full tick", BareLoop::Half::full);
+    registerMachineBenchmarks();
     registerViewBenchmarks();
     MedianReporter figures;
     benchmark::RunSpecifiedBenchmarks(&figures);
@@ -129,6 +131,7 @@ int run(int argumentCount, char** arguments) {
     areWithin &= judgePair(figures, "full tick");
     areWithin &= judgeAllocations(figures, "light tick", kMostAllocationsOfLightTicks);
     areWithin &= judgeAllocations(figures, "full tick", std::nullopt);
+    areWithin &= judgeMachineBenchmarks(figures);
     return areWithin ? 0 : 1;
 }
 
