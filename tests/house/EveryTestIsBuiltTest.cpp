@@ -32,7 +32,8 @@ Configuration configurationIn(const std::string& cmakeCache) {
 bool isPromised(const std::string& file, const Configuration& configuration) {
     if (!file.ends_with(".cpp")) return false;
     for (const char* part :
-         {"src/main.cpp", "src/platform/linux/", "tests/bus/", "tests/linux/", "tests/windows/"}) {
+         {"src/main.cpp", "src/platform/linux/", "tests/bus/", "tests/desktop/", "tests/devices/",
+          "tests/fuzz/", "tests/linux/", "tests/machines/", "tests/windows/"}) {
         if (file.starts_with(part) && !configuration.hasLinux) return false;
     }
     if (file.starts_with("src/")) return true;

@@ -11,7 +11,8 @@ namespace {
 
 bool isPassedOver(const std::filesystem::path& folder) {
     const std::string name = folder.filename().string();
-    return name == "build" || name == "fixtures" || (name.starts_with('.') && name != ".ci");
+    return name == "build" || name == "fixtures" || name == "seeds" ||
+           (name.starts_with('.') && name != ".ci");
 }
 
 }  // namespace

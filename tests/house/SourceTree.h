@@ -10,8 +10,8 @@ namespace norvane {
 std::filesystem::path projectFolder();
 
 // The files of a folder and all below it, as generic paths written from the project's root, sorted. An absent
-// folder has none. Passed over: what a build or a tool leaves behind, and captured machines, which are kept
-// to the letter as they were found.
+// folder has none. Passed over: what a build or a tool leaves behind, captured machines, which are kept to
+// the letter as they were found, and seeds for fuzzing, which are untidy on purpose.
 std::vector<std::string> filesBelow(const std::string& folder);
 
 // The whole file, byte for byte; the path is written from the project's root.

@@ -1,0 +1,66 @@
+#include "Property.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace norvane {
+
+namespace {
+
+constexpr std::string_view kUnknownLines =
+    "norvaneUnknown: 12 kB\n\nnorvaneNews 7 x 9\nnorvane avg10=1.00\n\n";
+
+}  // namespace
+
+void require(bool holds, const char* property) {
+    if (holds) return;
+    std::fprintf(stderr, "Broken: %s\n", property);
+    std::abort();
+}
+
+std::string_view textOf(const std::uint8_t* data, std::size_t size) {
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+std::string amongUnknownLines(std::string_view text) {
+    return std::string(kUnknownLines) + beforeUnknownLines(text);
+}
+
+std::string beforeUnknownLines(std::string_view text) {
+    return std::string(text) + '\n' + std::string(kUnknownLines);
+}
+
+std::string withBlanksEscaped(std::string_view path) {
+    std::string result;
+    for (const char byte : path) {
+        switch (byte) {
+            case ' ':
+                result += "\\040";
+                break;
+            case '\t':
+                result += "\\011";
+                break;
+            case '\n':
+                result += "\\012";
+                break;
+            case '\\':
+                result += "\\134";
+                break;
+            default:
+                result += byte;
+        }
+    }
+    return result;
+}
+
+bool hasLine(std::string_view text, std::string_view beginning) {
+    return text.starts_with(beginning) || text.find('\n' + std::string(beginning)) != std::string_view::npos;
+}
+
+std::size_t lineCount(std::string_view text) {
+    const auto newlines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    return newlines + (text.empty() || text.ends_with('\n') ? 0 : 1);
+}
+
+}  // namespace norvane
