@@ -218,7 +218,8 @@ int run(const std::string& program) {
     const Environment plain = Environment::inherited()
                                   .with("XDG_CONFIG_HOME", scratch.path())
                                   .with("XDG_RUNTIME_DIR", scratch.path())
-                                  .without("DBUS_SESSION_BUS_ADDRESS");
+                                  .without("DBUS_SESSION_BUS_ADDRESS")
+                                  .with("DBUS_SYSTEM_BUS_ADDRESS", "");
 
     ChildProcess server(
         {"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1000x24", "-nolisten", "tcp", "-noreset"}, plain,
@@ -236,8 +237,9 @@ int run(const std::string& program) {
 
     Verdict verdict;
     ProgramBenchmark benchmark(program, *watcher, verdict);
-    const std::vector<Surroundings> all{{"no bus", alone},
-                                        {"bus", alone.with("DBUS_SESSION_BUS_ADDRESS", *address)}};
+    const std::vector<Surroundings> all{
+        {"no bus", alone},
+        {"bus", alone.with("DBUS_SESSION_BUS_ADDRESS", *address).with("DBUS_SYSTEM_BUS_ADDRESS", *address)}};
     for (const Surroundings& surroundings : all)
         benchmark.measureStarts(surroundings);
     for (const Surroundings& surroundings : all)

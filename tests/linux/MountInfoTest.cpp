@@ -44,7 +44,7 @@ TEST(MountInfo, TakesALineApart) {
          "30 27 8:1 /sub /mnt/a ro,nosuid - ext4 /dev/sda1 rw",
          {30, 27, {8, 1}, "/sub", "/mnt/a", true, "ext4", "/dev/sda1"}},
         {"read-only file system",
-         "30 27 8:1 / /mnt/a rw,nosuid - ext4 /dev/sda1 errors=remount-ro,ro",
+         "30 27 8:1 / /mnt/a rw,nosuid - ext4 /dev/sda1 ro,errors=remount-ro",
          {30, 27, {8, 1}, "/", "/mnt/a", true, "ext4", "/dev/sda1"}},
         {"neither",
          "30 27 8:1 / /mnt/a rw,rox - ext4 /dev/sda1 rw,errors=remount-ro",

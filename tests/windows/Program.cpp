@@ -29,6 +29,7 @@ Program::Program(const std::string& display) {
     setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
     unsetenv("XDG_RUNTIME_DIR");
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", "", 1);  // none, rather than the machine's
     execl(NORVANE_BINARY_DIR "/norvane", "norvane", nullptr);
     _exit(127);
 }

@@ -14,7 +14,9 @@ constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
-constexpr std::string_view kSurroundings{" \t\r\n\0", 5};
+constexpr bool isSurrounding(char byte) {
+    return isBlank(byte) || byte == '\r' || byte == '\n' || byte == '\0';
+}
 
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view word) {
@@ -50,9 +52,11 @@ std::optional<std::uint64_t> takeNumber(std::string_view& line) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(kSurroundings);
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(kSurroundings) - begin + 1);
+    while (!text.empty() && isSurrounding(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSurrounding(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 std::string collapsed(std::string_view text) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -23,11 +22,9 @@ std::string_view takeField(std::string_view& line, char separator = ' ') {
     return field;
 }
 
+// The kernel says "ro" or "rw" before all other options.
 bool saysReadOnly(std::string_view options) {
-    while (!options.empty()) {
-        if (takeField(options, ',') == "ro") return true;
-    }
-    return false;
+    return takeField(options, ',') == "ro";
 }
 
 std::optional<Mount> parseMount(std::string_view line) {
@@ -46,7 +43,7 @@ std::optional<Mount> parseMount(std::string_view line) {
     } while (takeField(line) != "-");
     const std::string_view type = takeField(line);
     const std::string_view source = takeField(line);
-    const std::string_view superOptions = takeField(line);
+    const std::string_view superOptions = line;
     if (type.empty()) return std::nullopt;
     return Mount{.id = *id,
                  .parentId = *parentId,
@@ -93,18 +90,16 @@ std::uint64_t mixed(std::uint64_t hash, std::uint64_t with) {
     return (hash ^ with) * 0xFF51AFD7ED558CCDu + (hash >> 29);
 }
 
-// Goes over a mount point from the top and calls `visit` with each folder's path and hash, the mount point
-// itself last. A path's hash is made of its components', so that all of them cost one pass.
+// Goes over a mount point from the top and calls `visit` with each folder's path and hash (FNV-1a), the mount
+// point itself last, all in one pass.
 template <typename Visit>
 void visitFoldersOf(std::string_view point, Visit&& visit) {
-    std::uint64_t hash = 0;
-    std::size_t begin = 1;
-    do {
-        const std::size_t end = std::min(point.find('/', begin), point.size());
-        hash = mixed(hash, std::hash<std::string_view>()(point.substr(begin, end - begin)));
-        visit(point.substr(0, end), hash);
-        begin = end + 1;
-    } while (begin < point.size());
+    std::uint64_t hash = 0xCBF29CE484222325u;
+    for (std::size_t k = 1; k < point.size(); ++k) {
+        if (point[k] == '/') visit(point.substr(0, k), hash);
+        hash = (hash ^ static_cast<unsigned char>(point[k])) * 0x100000001B3u;
+    }
+    visit(point, hash);
 }
 
 // A later mount on the same folder covers the earlier one. So does one on a folder above, if it was made on
@@ -150,6 +145,7 @@ void removeCovered(std::vector<Mount>& mounts) {
 
 std::vector<Mount> parseMountInfo(std::string_view text) {
     std::vector<Mount> mounts;
+    mounts.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')));
     while (!text.empty()) {
         if (auto mount = parseMount(takeLine(text))) mounts.push_back(std::move(*mount));
     }
