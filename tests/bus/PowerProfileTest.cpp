@@ -39,6 +39,16 @@ class PowerProfileTest : public testing::Test {
     bool comesToBe(bool low) {
         return runUntil([&] { return isLow.load() == low; });
     }
+    // The bus hands over in order: its answer comes after whatever was sent before.
+    bool hasHeardAllSignals() {
+        bool isAnswered = false;
+        const auto call = connection->call({.name = "org.freedesktop.DBus",
+                                            .path = "/org/freedesktop/DBus",
+                                            .interface = "org.freedesktop.DBus",
+                                            .method = "GetId"},
+                                           [&](GVariant*, const GError*) { isAnswered = true; });
+        return runUntil([&] { return isAnswered; });
+    }
     bool isConnected() {
         return runUntil([&] { return connection->state() == BusConnection::State::connected; });
     }
@@ -122,6 +132,7 @@ TEST_F(PowerProfileTest, TakesNoGarbageForAProfileNorAsksTheFirmwareForIt) {
                            "<{'ActiveProfile': <'balanced'>}>]");
     }
     service.updateProperty("Other", "2");
+    EXPECT_TRUE(hasHeardAllSignals());
     EXPECT_TRUE(isLow);
 }
 

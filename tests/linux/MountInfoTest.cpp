@@ -136,6 +136,11 @@ TEST(MountInfo, ManyAndLongLinesAreBorne) {
         many += std::to_string(i + 2) + " 1 8:1 / /m/" + std::to_string(i) + " rw - ext4 /dev/sda1 rw\n";
     EXPECT_EQ(parseMountInfo(many).size(), 100'000u);
 
+    std::string onOneFolder;
+    for (int i = 0; i < 100'000; ++i)
+        onOneFolder += std::to_string(i + 2) + " 1 8:1 / /m rw - ext4 /dev/sda1 rw\n";
+    EXPECT_EQ(parseMountInfo(onOneFolder).size(), 1u);
+
     std::string deep = "/a";
     for (int i = 0; i < 500'000; ++i)
         deep += "/a";

@@ -398,6 +398,17 @@ TEST_F(VolumesTest, AHungServerIsLeftOutAndTheDiskBesideItIsNot) {
     EXPECT_EQ(std::count(asked.begin(), asked.end(), "/mnt/auto"), 0);
 }
 
+TEST_F(VolumesTest, TheWayToADiskMayLeadPastAHungServer) {
+    mount("0:60", "/", "/mnt/nas", "nfs4", "nas:/export");
+    mount("7:0", "/", "/mnt/nas/images/one", "ext4", "/dev/loop0");
+    mount("8:1", "/", "/mnt/nasty", "ext4", "/dev/sda1");
+    servers.hang("/mnt/nas");
+    servers.hang("/mnt/nas/images/one");
+    servers.expectCalls(2);
+    EXPECT_EQ(readPaths(), Paths{"/mnt/nasty"});
+    EXPECT_EQ(servers.callsOut(), 2u);
+}
+
 TEST_F(VolumesTest, TheFileManagerHandsTheListOn) {
     mount("8:1", "/", "/", "ext4", "/dev/sda1");
     LinuxKernel kernel(machine.root(), system.calls, LinuxKernel::Lanes::sameThread());

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/linux/KernelText.h"
+#include "platform/linux/PathParts.h"
 
 namespace norvane {
 
@@ -15,14 +16,10 @@ namespace {
 
 constexpr const char* kClass = "/sys/class/drm/";
 
-std::string lastPart(const std::string& path) {
-    return path.substr(path.rfind('/') + 1);
-}
-
 // The last part of where a link leads; empty where there is none.
 std::string linkedName(const RootFolder& root, const std::string& link) {
     const auto target = root.readLink(link);
-    return target ? lastPart(*target) : std::string();
+    return target ? namePart(*target) : std::string();
 }
 
 std::optional<std::uint64_t> numberIn(const RootFolder& root, const std::string& path) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/linux/Deadline.h"
+#include "platform/linux/GErrorPointer.h"
 #include "platform/linux/GObjectPointer.h"
 #include "platform/linux/GVariantPointer.h"
 #include "platform/linux/LinuxMonotonicClock.h"
@@ -24,11 +25,6 @@ using namespace std::chrono_literals;
 constexpr std::chrono::nanoseconds kConnectionLimit = BusConnection::kUsualLimit;
 // A connection that lasted so long was a good one: when it is lost, the pauses begin anew.
 constexpr std::chrono::nanoseconds kSteady = 1min;
-
-struct ErrorDeleter {
-    void operator()(GError* error) const { g_error_free(error); }
-};
-using ErrorPointer = std::unique_ptr<GError, ErrorDeleter>;
 
 std::string pathAddress(const std::string& socket) {
     const std::unique_ptr<gchar, decltype(&g_free)> escaped(g_dbus_address_escape_value(socket.c_str()),
@@ -142,7 +138,7 @@ void BusConnection::Link::attemptAfter(std::chrono::nanoseconds delay) {
 
 void BusConnection::Link::attempt() {
     if (address_.empty()) {
-        const ErrorPointer error(g_error_new_literal(G_IO_ERROR, G_IO_ERROR_NOT_FOUND, "There is no bus"));
+        const GErrorPointer error(g_error_new_literal(G_IO_ERROR, G_IO_ERROR_NOT_FOUND, "There is no bus"));
         failed(*error);
         return;
     }
@@ -159,7 +155,7 @@ void BusConnection::Link::attempt() {
 void BusConnection::Link::connected(GObject*, GAsyncResult* result, gpointer weak) {
     GError* failure = nullptr;
     GObjectPointer<GDBusConnection> connection(g_dbus_connection_new_for_address_finish(result, &failure));
-    const ErrorPointer error(failure);
+    const GErrorPointer error(failure);
     const auto link = std::unique_ptr<Weak>(static_cast<Weak*>(weak))->lock();
     if (connection) g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
     if (!link) {
@@ -171,7 +167,7 @@ void BusConnection::Link::connected(GObject*, GAsyncResult* result, gpointer wea
     if (connection) {
         link->succeeded(std::move(connection));
     } else if (g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_CANCELLED)) {
-        const ErrorPointer late(
+        const GErrorPointer late(
             g_error_new_literal(G_IO_ERROR, G_IO_ERROR_TIMED_OUT, "The bus does not answer"));
         link->failed(*late);
     } else {
@@ -241,7 +237,7 @@ Cancellation BusConnection::Link::call(const Call& call, Answered answered) {
             const auto link = weak.lock();
             const auto late = link ? link->waiting_.extract(number) : decltype(waiting_)::node_type();
             if (!late) return;
-            const ErrorPointer error(
+            const GErrorPointer error(
                 g_error_new_literal(G_IO_ERROR, G_IO_ERROR_TIMED_OUT, "The bus does not answer"));
             late.mapped().asker->tell(nullptr, error.get());
         });
@@ -264,7 +260,7 @@ void BusConnection::Link::answered(GObject* connection, GAsyncResult* result, gp
     GError* failure = nullptr;
     const GVariantPointer answer(
         g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &failure));
-    const ErrorPointer error(failure);
+    const GErrorPointer error(failure);
     const std::unique_ptr<std::shared_ptr<Asker>> taken(static_cast<std::shared_ptr<Asker>*>(asker));
     (*taken)->tell(answer.get(), error.get());
 }

@@ -47,10 +47,10 @@ struct LinuxPowerProfile::LaneSide {
         const std::lock_guard lock(mutex);
         // What the main thread knows already is no reason to wake it up.
         if (watcher == nullptr || lastTold == profile) return;
-        lastTold = profile;
         watcher->mainQueue_.async([self, profile] {
             if (self->watcher != nullptr) self->watcher->firmwareRead(profile);
         });
+        lastTold = profile;
     }
 };
 
@@ -169,7 +169,13 @@ void LinuxPowerProfile::look() {
 void LinuxPowerProfile::readFirmware() {
     nextReading_ = mainQueue_.after(readAgain_, [this] { readFirmware(); });
     // A reading that is stuck is waited for: the lane takes no more than one further.
-    lane_->post([side = laneSide_] { side->read(side); });
+    lane_->post([side = laneSide_] {
+        try {
+            side->read(side);
+        } catch (...) {
+            // Out of memory, say: the last answer stands.
+        }
+    });
 }
 
 void LinuxPowerProfile::firmwareRead(FirmwareProfile profile) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/GVariantPointer.h"
 #include "platform/linux/NotificationText.h"
 #include "platform/Utf8.h"
 
@@ -24,14 +25,13 @@ constexpr const char* kDesktopName = "norvane";
 using ErrorCompletion = std::function<void(std::optional<std::string>)>;
 
 bool isListed(GVariant* answer, const char* word) {
+    const GVariantPointer list(g_variant_get_child_value(answer, 0));
     GVariantIter words;
-    GVariant* const list = g_variant_get_child_value(answer, 0);
-    g_variant_iter_init(&words, list);
+    g_variant_iter_init(&words, list.get());
     bool isFound = false;
     const gchar* each = nullptr;
     while (!isFound && g_variant_iter_next(&words, "&s", &each))
         isFound = g_str_equal(each, word) != FALSE;
-    g_variant_unref(list);
     return isFound;
 }
 

@@ -116,16 +116,15 @@ void removeCovered(std::vector<Mount>& mounts) {
             const auto isSibling = [&](const Mount& later) {
                 return later.parentId == mount.parentId && later.point == folder;
             };
+            const bool hasSibling = laterByParent.find(mixed(hash, mount.parentId), isSibling) != nullptr;
             if (folder.size() < mount.point.size()) {
-                if (laterByParent.find(mixed(hash, mount.parentId), isSibling) != nullptr) {
-                    coveredAsWhole.insert(mount.id);
-                }
+                if (hasSibling) coveredAsWhole.insert(mount.id);
                 return;
             }
             isCovered[i] = laterByPoint.find(hash, isThere) != nullptr;
             if (!isCovered[i]) laterByPoint.add(hash, mount);
             // What is mounted over the root of all is left to the rule for equal mount points.
-            if (mount.point != "/") laterByParent.add(mixed(hash, mount.parentId), mount);
+            if (mount.point != "/" && !hasSibling) laterByParent.add(mixed(hash, mount.parentId), mount);
         });
     }
     for (std::size_t i = 0; i < mounts.size(); ++i) {

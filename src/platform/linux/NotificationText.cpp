@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "platform/linux/GErrorPointer.h"
 #include "platform/linux/KernelText.h"
 #include "platform/Utf8.h"
 
@@ -9,10 +10,6 @@ namespace norvane {
 namespace {
 
 constexpr std::size_t kLongestDescription = 500;
-
-struct ErrorDeleter {
-    void operator()(GError* error) const { g_error_free(error); }
-};
 
 // Whole characters only; the text is valid UTF-8.
 std::string_view cut(std::string_view text, std::size_t length) {
@@ -46,7 +43,7 @@ std::string escapedMarkup(std::string_view text) {
 }
 
 std::string describedError(const GError& error) {
-    const std::unique_ptr<GError, ErrorDeleter> stripped(g_error_copy(&error));
+    const GErrorPointer stripped(g_error_copy(&error));
     g_dbus_error_strip_remote_error(stripped.get());
     std::string text = collapsed(repairedUtf8(stripped->message));
     if (text.empty()) {

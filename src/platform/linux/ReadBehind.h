@@ -17,9 +17,9 @@ namespace norvane {
 // every source that is due, that the tick is going to ask and that is not still busy, and waits for all of
 // them together, so that a machine whose sources are quick gets values of this very tick; later questions of
 // the tick find their answers there. (A source that becomes due within the tick, or was not announced, is
-// asked then, with what is left of the budget.) A source that
-// needed more than the whole budget is asked without waiting until it has been quick again, and one that is
-// stuck is not asked any more: its last answer stands.
+// asked then, with what is left of the budget.) A source that needed more than the whole budget is asked
+// without waiting until it has been quick again, and one that is stuck is not asked any more: its last answer
+// stands.
 //
 // Sampler's queue only. What runs on the lanes shares all it uses, so that it may outlive this.
 class ReadBehind {

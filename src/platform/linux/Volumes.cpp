@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/linux/VolumeRules.h"
@@ -33,6 +35,30 @@ VolumeResourceValues valuesOf(const VolumeMount& volume, const FileSystemSpace& 
 
 }  // namespace
 
+// The folders that a server or another program answers for. The way to what is mounted within one leads past
+// it, and may end there.
+class Volumes::ServedFolders {
+ public:
+    // The table outlives this.
+    explicit ServedFolders(const std::vector<Mount>& table) {
+        for (const Mount& mount : table) {
+            // Nothing goes on where the root of all hangs.
+            if (mount.point != "/" && mayHang(mount)) points_.insert(mount.point);
+        }
+    }
+
+    // Whether the path is one of them, or lies within one.
+    bool hold(std::string_view path) const {
+        for (; !points_.empty() && !path.empty(); path = path.substr(0, path.rfind('/'))) {
+            if (points_.contains(path)) return true;
+        }
+        return false;
+    }
+
+ private:
+    std::unordered_set<std::string_view> points_;
+};
+
 Volumes::Volumes(RootFolder root, SystemCalls calls, std::shared_ptr<LaneWaiter> waiter)
     : root_(std::move(root)), calls_(calls), servers_(std::move(calls), std::move(waiter)) {}
 
@@ -40,9 +66,13 @@ std::shared_ptr<const Volumes::List> Volumes::read() {
     const auto mounts = readVolumeMounts(root_);
     if (!mounts) return nullptr;
 
+    const ServedFolders folders(mounts->table);
+    const auto isServed = [&folders](const Mount& mount) {
+        return mayHang(mount) || folders.hold(mount.point);
+    };
     std::vector<const Mount*> served;
     for (const VolumeMount& volume : mounts->volumes) {
-        if (mayHang(volume.mount)) served.push_back(&volume.mount);
+        if (isServed(volume.mount)) served.push_back(&volume.mount);
     }
     const auto answers = servers_.ask(served, mounts->table);
 
@@ -51,12 +81,12 @@ std::shared_ptr<const Volumes::List> Volumes::read() {
     std::size_t next = 0;
     for (const VolumeMount& volume : mounts->volumes) {
         std::optional<FileSystemSpace> space;
-        if (mayHang(volume.mount)) {
+        if (isServed(volume.mount)) {
             const auto& answer = answers[next++];
             if (!answer) continue;
             space = answer->space;
         } else {
-            space = spaceOf(volume.mount, mounts->table);
+            space = spaceOf(volume.mount, folders);
         }
         std::optional<VolumeResourceValues> values;
         if (space) values = valuesOf(volume, *space);
@@ -65,17 +95,14 @@ std::shared_ptr<const Volumes::List> Volumes::read() {
     return list;
 }
 
-std::optional<FileSystemSpace> Volumes::spaceOf(const Mount& mount, const std::vector<Mount>& table) const {
+std::optional<FileSystemSpace> Volumes::spaceOf(const Mount& mount, const ServedFolders& served) const {
     const auto own = calls_.fileSystemSpace(mount.point);
     if (mount.point != "/" || !isCompositeType(mount.type)) return own;
     if (own && !mount.isReadOnly && own->totalBytes >= kSmallestRoot) return own;
     // An image of the operating system, always full. What users and programs write lies elsewhere; a folder
     // that is merely a part of the image gives the same answer.
     for (const char* path : {"/sysroot", "/var"}) {
-        const bool isServed = std::any_of(table.begin(), table.end(), [&](const Mount& other) {
-            return other.point == path && mayHang(other);
-        });
-        if (isServed) continue;
+        if (served.hold(path)) continue;
         const auto space = calls_.fileSystemSpace(path);
         if (space && space != own) return space;
     }

@@ -30,7 +30,9 @@ class Volumes {
     std::shared_ptr<const List> read();
 
  private:
-    std::optional<FileSystemSpace> spaceOf(const Mount& mount, const std::vector<Mount>& table) const;
+    class ServedFolders;
+
+    std::optional<FileSystemSpace> spaceOf(const Mount& mount, const ServedFolders& served) const;
 
     RootFolder root_;
     SystemCalls calls_;
