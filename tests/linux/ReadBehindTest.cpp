@@ -168,6 +168,25 @@ TEST_F(ReadBehindTest, ATickAsksBeforehandForAllThatItIsGoingToRead) {
     EXPECT_EQ(always.reading->get({3}), 3);
 }
 
+TEST_F(ReadBehindTest, WhatIsReadSeldomIsAskedOnceAheadAndNotWaitedFor) {
+    Source volumes = makeSource(&TickReads::volumes);
+    Source always = makeSource();
+    volumes.reading->askAhead();
+    waiter->meanwhile = [&](Nanoseconds) { finish(always, 1ms); };
+    EXPECT_EQ(always.reading->get({1}), 1);
+    ASSERT_TRUE(volumes.isPosted());
+    EXPECT_EQ(waiter->granted.size(), 1u);
+    EXPECT_EQ(always.reading->get({2}), 2) << "the other one goes on without it";
+
+    finish(volumes, 250ms);
+    EXPECT_EQ(always.reading->get({3}), 3);
+    EXPECT_FALSE(volumes.isPosted()) << "once";
+    waiter->meanwhile = [&](Nanoseconds) { finish(always, 1ms); };
+    const TickToken reading{4, {.volumes = true}};
+    EXPECT_EQ(always.reading->get(reading), 4);
+    EXPECT_EQ(volumes.reading->get(reading), 1) << "the answer from ahead, where the new one is too slow";
+}
+
 TEST_F(ReadBehindTest, OutsideATickEachQuestionHasItsOwnRequestAndBudget) {
     Source a = makeSource();
     Source b = makeSource();

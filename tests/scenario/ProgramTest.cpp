@@ -23,9 +23,9 @@ class ScenarioProgramTest : public testing::Test {
     void TearDown() override { fs::remove_all(folder_); }
 
     // Whether it ended with success.
-    bool run(const std::string& arguments) {
+    bool run(const std::string& arguments, const std::string& output = "output") {
         const std::string command = "cd '" + folder_.string() + "' && '" + NORVANE_BINARY_DIR +
-                                    "/norvane-scenario' " + arguments + " >output 2>errors";
+                                    "/norvane-scenario' " + arguments + " >" + output + " 2>errors";
         return std::system(command.c_str()) == 0;
     }
     void write(const std::string& name, const std::string& contents) const {
@@ -67,6 +67,12 @@ TEST_F(ScenarioProgramTest, NamesFileAndLineOfAnError) {
     EXPECT_EQ(read("errors"), ".: cannot be read\n");
     EXPECT_FALSE(run(""));
     EXPECT_EQ(read("errors"), "usage: norvane-scenario FILE\n");
+}
+
+TEST_F(ScenarioProgramTest, SaysThatATranscriptIsLost) {
+    write("short.jsonl", "{\"note\": \"so far\"}\n");
+    EXPECT_FALSE(run("short.jsonl", "/dev/full"));
+    EXPECT_EQ(read("errors"), "the transcript cannot be written\n");
 }
 
 }  // namespace

@@ -250,12 +250,51 @@ TEST(ScenarioPlayer, SaysWhatIsWrongWithALineAndWhere) {
                   "\"wait\" is to be a time such as \"90s\", with ms, s, min or h, at most 10000h"},
              Case{R"({"stepWallClock": "tomorrow"})",
                   "\"stepWallClock\" is to be a time such as \"+1h\" or \"-30min\""},
+             Case{R"({"wait": "0.9999999999h"})",
+                  "\"wait\" is to be a time such as \"90s\", with ms, s, min or h, at most 10000h"},
              Case{R"({"clickOn": "Quit"})", "the dashboard is closed"},
              Case{R"({"user": "open", "clickOn": "Bluetooth"})", "the dashboard has no \"Bluetooth\""},
+             Case{R"({"user": "open", "clickOn": ""})", "the dashboard has no \"\""},
          }) {
         EXPECT_EQ(played(std::string("\n{}\n") + c.line + "\n").back(), std::string("3: ") + c.objection)
             << c.line;
     }
+}
+
+TEST(ScenarioPlayer, PartsOfATimeAreExactHoweverManyPlacesTheyHave) {
+    EXPECT_EQ(
+        played(lines({R"({"print": "nothing", "show": ["isRunning"]})", R"({"wait": "0.999999999min"})",
+                      R"({"print": "now", "suspend": "0.333333333h"})", R"({"print": "now"})",
+                      R"({"suspend": "1.5h"})", R"({"print": "now"})"})),
+        (Lines{"00:00:59.999 isRunning=true", "00:20:59.999 isRunning=true", "01:50:59.999 isRunning=true"}));
+}
+
+TEST(ScenarioPlayer, MemoryThatIsToldAgainCanBeReadAgain) {
+    for (const char* again : {R"({"memory": {"wiredGB": 2}})", R"({"memory": {"swapReadMBps": 4}})",
+                              R"({"host_statistics64": {}})"}) {
+        const Json fields = snapshotOf(lines({R"({"host_statistics64": null})", again}));
+        EXPECT_GT(fields["usedMemoryGB"], 0.0) << again;
+    }
+    const Json fields = snapshotOf(lines({R"({"host_statistics64": null, "memory": {"swapUsedGB": 2}})"}));
+    EXPECT_EQ(fields["usedMemoryGB"], 0.0) << "the swap in use is asked for by itself";
+}
+
+// Megabytes of one line take no longer than the same in many.
+TEST(ScenarioPlayer, BearsLongLines) {
+    const auto repeated = [](std::string_view text, int times) {
+        std::string all;
+        for (int i = 0; i < times; ++i)
+            all += text;
+        return all;
+    };
+    const std::string devices = "{\"IOAccelerator\": [" + repeated("{},", 300'000) + "{}]}\n";
+    EXPECT_EQ(played(devices + "{\"note\": \"done\"}\n"), Lines{"done"});
+    EXPECT_EQ(played("{\"note\": " + repeated("[", 1'000'000)).back(), "1: is nested too deeply");
+    std::string members = "\"first\": 1";
+    for (int i = 0; i < 100'000; ++i)
+        members += ", \"" + std::to_string(i) + "\": 1";
+    EXPECT_EQ(played("{\"IOAccelerator\": [{" + members + "}]}\n").back(),
+              "1: has an object of too many members");
 }
 
 TEST(ScenarioPlayer, ClocksStayWithinTheirRange) {

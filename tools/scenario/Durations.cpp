@@ -37,14 +37,15 @@ std::optional<nanoseconds> durationOf(std::string_view text) {
     const std::string_view number = text.substr(0, unitAt);
     const std::size_t point = number.find('.');
     const auto whole = digits(number.substr(0, point));
-    const auto fraction = point == std::string_view::npos ? 0 : digits(number.substr(point + 1));
-    if (!whole || !fraction) return std::nullopt;
+    const std::string_view places = point == std::string_view::npos ? "0" : number.substr(point + 1);
+    if (!whole || !digits(places)) return std::nullopt;
     for (const auto& [name, unit] : kUnits) {
         if (text.substr(unitAt) != name) continue;
         if (*whole > kLongest / unit) return std::nullopt;
-        nanoseconds part = unit * *fraction;
-        for (std::size_t place = point; place != std::string_view::npos && place + 1 < number.size(); ++place)
-            part /= 10;
+        // From the last place to the first: the product of all of them with an hour would leave the range.
+        nanoseconds part{0};
+        for (auto place = places.rbegin(); place != places.rend(); ++place)
+            part = (part + unit * (*place - '0')) / 10;
         const nanoseconds duration = unit * *whole + part;
         return duration <= kLongest ? std::optional(duration) : std::nullopt;
     }

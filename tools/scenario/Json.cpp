@@ -1,5 +1,7 @@
 #include "scenario/Json.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
@@ -9,33 +11,47 @@
 namespace norvane {
 namespace {
 
-// The parser itself takes the last one of two equal keys, and any depth.
-class Watch {
+constexpr std::size_t kDeepest = 16;
+// An object looks through its members for each one that it gets.
+constexpr std::size_t kMostMembers = 10'000;
+
+// Looks a text over before it is parsed: the parser itself takes the last one of two equal keys, and any
+// depth. What is no JSON is the parser's to tell.
+class Watch final : public nlohmann::json_sax<Json> {
  public:
-    bool operator()(Json::parse_event_t event, const Json& parsed) {
-        constexpr std::size_t kDeepest = 16;
-        switch (event) {
-            case Json::parse_event_t::object_start:
-            case Json::parse_event_t::array_start:
-                keys_.emplace_back();
-                if (keys_.size() > kDeepest) throw Objection("is nested too deeply");
-                break;
-            case Json::parse_event_t::object_end:
-            case Json::parse_event_t::array_end:
-                keys_.pop_back();
-                break;
-            case Json::parse_event_t::key:
-                if (!keys_.back().insert(parsed.get<std::string>()).second) {
-                    throw Objection("says " + printedJson(parsed) + " twice");
-                }
-                break;
-            case Json::parse_event_t::value:
-                break;
-        }
+    bool start_object(std::size_t) override { return enter(); }
+    bool start_array(std::size_t) override { return enter(); }
+    bool end_object() override { return leave(); }
+    bool end_array() override { return leave(); }
+    bool key(std::string& name) override {
+        std::set<std::string>& keys = keys_.back();
+        if (!keys.insert(name).second) throw Objection("says " + printedJson(name) + " twice");
+        if (keys.size() > kMostMembers) throw Objection("has an object of too many members");
         return true;
     }
 
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(std::int64_t) override { return true; }
+    bool number_unsigned(std::uint64_t) override { return true; }
+    bool number_float(double, const std::string&) override { return true; }
+    bool string(std::string&) override { return true; }
+    bool binary(Json::binary_t&) override { return true; }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
+        return false;
+    }
+
  private:
+    bool enter() {
+        keys_.emplace_back();
+        if (keys_.size() > kDeepest) throw Objection("is nested too deeply");
+        return true;
+    }
+    bool leave() {
+        keys_.pop_back();
+        return true;
+    }
+
     std::vector<std::set<std::string>> keys_;
 };
 
@@ -43,10 +59,9 @@ class Watch {
 
 Json parsedJson(std::string_view text) {
     Watch watch;
+    Json::sax_parse(text, &watch);
     try {
-        return Json::parse(text, [&watch](int, Json::parse_event_t event, const Json& parsed) {
-            return watch(event, parsed);
-        });
+        return Json::parse(text);
     } catch (const Json::parse_error& error) {
         throw Objection("is not JSON, at character " + std::to_string(error.byte));
     } catch (const Json::exception&) {

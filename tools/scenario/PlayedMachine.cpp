@@ -157,11 +157,15 @@ void PlayedMachine::takePageSize(const Given& given) {
 
 void PlayedMachine::takeMemory(const Given& given) {
     const auto pages = [this](std::uint64_t& count) {
-        return [this, &count](const Given& size) { count = pagesOf(size.finite(0, kMostGB)); };
+        return [this, &count](const Given& size) {
+            count = pagesOf(size.finite(0, kMostGB));
+            arePagesReadable_ = true;
+        };
     };
     const auto rate = [this](RunningTotal& total) {
         return [this, &total](const Given& speed) {
             total.setRate(speed.finite(0, kMostMBps) * kBytesPerMB / static_cast<double>(pageSize_));
+            arePagesReadable_ = true;
         };
     };
     given.takeMembers({

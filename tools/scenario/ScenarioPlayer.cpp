@@ -134,6 +134,7 @@ void ScenarioPlayer::open() {
 }
 
 bool ScenarioPlayer::clickOn(std::string_view name) {
+    if (name.empty()) return false;  // what has no name is not to be found by it
     ScriptedPopoverWindow& window = *machine_.scripted.windowServer.windows().back();
     window.picture();
     const auto middle = middleOf(window.content().accessibleTree(), name);

@@ -34,5 +34,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::cout.flush();
-    return std::cout ? 0 : 1;
+    if (std::cout) return 0;
+    std::cerr << "the transcript cannot be written\n";
+    return 1;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/linux/KernelText.h"
 #include "platform/linux/PathParts.h"
+#include "platform/linux/SmallFiles.h"
 #include "platform/linux/VolumeRules.h"
 
 namespace norvane {
@@ -18,8 +19,7 @@ constexpr unsigned kMostMinors = (1u << 20) - 1;
 constexpr std::string_view kDevices = "/dev/";
 
 bool isSet(const RootFolder& root, const std::string& path, std::string_view value) {
-    const auto text = root.read(path);
-    return text && trimmed(*text) == value;
+    return textOf(root, path) == value;
 }
 
 // "0000:3a:00.0", with longer domains on some machines.

@@ -3,12 +3,12 @@
 #include <string_view>
 
 #include "platform/linux/KernelText.h"
+#include "platform/linux/SmallFiles.h"
 
 namespace norvane {
 
 namespace {
 
-constexpr std::size_t kMostBytes = 4096;
 constexpr std::string_view kMaker = "Apple";
 
 enum class Build { unclear, laptop, desktop, tower, small, other };
@@ -64,10 +64,6 @@ std::string withoutBlanks(std::string_view text) {
     return rest;
 }
 
-std::string textAt(const RootFolder& root, const std::string& path) {
-    return std::string(trimmed(root.read(path, kMostBytes).value_or("")));
-}
-
 }  // namespace
 
 std::optional<std::string> deviceModel(const DeviceFacts& facts, const std::function<bool()>& hasBattery) {
@@ -86,11 +82,11 @@ std::optional<std::string> deviceModel(const DeviceFacts& facts, const std::func
 std::optional<std::string> readDeviceModel(const RootFolder& root, const std::function<bool()>& hasBattery) {
     const std::string dmi = "/sys/class/dmi/id/";
     DeviceFacts facts;
-    facts.vendor = textAt(root, dmi + "sys_vendor");
-    facts.product = textAt(root, dmi + "product_name");
-    facts.chassisType = parseNumber(textAt(root, dmi + "chassis_type"));
-    facts.powerProfile = parseNumber(textAt(root, "/sys/firmware/acpi/pm_profile"));
-    facts.deviceTreeModel = textAt(root, "/proc/device-tree/model");
+    facts.vendor = textOf(root, dmi + "sys_vendor");
+    facts.product = textOf(root, dmi + "product_name");
+    facts.chassisType = parseNumber(textOf(root, dmi + "chassis_type"));
+    facts.powerProfile = parseNumber(textOf(root, "/sys/firmware/acpi/pm_profile"));
+    facts.deviceTreeModel = textOf(root, "/proc/device-tree/model");
     return deviceModel(facts, hasBattery);
 }
 

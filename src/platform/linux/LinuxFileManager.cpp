@@ -9,7 +9,11 @@ LinuxFileManager::LinuxFileManager(const RootFolder& root, const SystemCalls& ca
     : volumes_(
           readBehind, std::move(lane), &TickReads::volumes,
           [volumes = std::make_shared<Volumes>(root, calls)] { return volumes->read(); }, nullptr,
-          [](const auto&, MonotonicInstant) { return true; }) {}
+          [](const auto&, MonotonicInstant) { return true; }) {
+    // They are read every thirtieth second at most: an opening that a slow server makes too late for its
+    // answer would go without volumes for so long.
+    volumes_.askAhead();
+}
 
 std::optional<std::vector<VolumeURL>> LinuxFileManager::mountedVolumeURLs(TickToken tick) {
     const auto list = volumes_.get(tick);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/linux/KernelText.h"
+#include "platform/linux/SmallFiles.h"
 
 namespace norvane {
 
@@ -75,8 +76,7 @@ bool PowerSupply::isFeedingOthers() const {
 }
 
 std::string PowerSupply::fileText(std::string_view property) const {
-    const auto text = root_.read(folder_ + std::string(property));
-    return text ? std::string(trimmed(*text)) : std::string();
+    return textOf(root_, folder_ + std::string(property));
 }
 
 }  // namespace norvane

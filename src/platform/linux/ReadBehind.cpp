@@ -38,6 +38,7 @@ class ReadBehind::Source {
     std::shared_ptr<Job> job;
     AskedBy askedBy = nullptr;
     std::function<bool(MonotonicInstant)> isDue;
+    bool isWantedAhead = false;
     std::uint64_t posted = 0;
     TickToken postedIn = TickToken::none();
     bool isAwaited = false;
@@ -65,6 +66,10 @@ ReadBehind::Source& ReadBehind::add(std::unique_ptr<Lane> lane, AskedBy askedBy,
     return *sources_.back();
 }
 
+void ReadBehind::askAhead(Source& source) {
+    source.isWantedAhead = true;
+}
+
 void ReadBehind::bring(Source& asked, TickToken tick) {
     const MonotonicInstant now = now_();
     if (tick == TickToken::none()) {
@@ -77,7 +82,12 @@ void ReadBehind::bring(Source& asked, TickToken tick) {
         tick_ = tick;
         budgetLeft_ = kBudget;
         for (const auto& source : sources_) {
-            if (source.get() == &asked || source->isAskedBy(tick)) postIfDue(*source, tick, now);
+            if (source.get() == &asked || source->isAskedBy(tick)) {
+                postIfDue(*source, tick, now);
+            } else if (std::exchange(source->isWantedAhead, false)) {
+                postIfDue(*source, tick, now);
+                source->isAwaited = false;
+            }
         }
     } else if (!(asked.postedIn == tick)) {
         postIfDue(asked, tick, now);

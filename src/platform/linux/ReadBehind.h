@@ -40,6 +40,10 @@ class ReadBehind {
     Source& add(std::unique_ptr<Lane> lane, AskedBy askedBy, std::function<void()> work,
                 std::function<bool(MonotonicInstant now)> isDue);
 
+    // Has the source asked by the first tick there is, without waiting, whether or not that tick reads it:
+    // for what is read so seldom that an answer which came too late would be missed for long.
+    static void askAhead(Source& source);
+
     // Sees to it that `asked` has been asked in this tick, if it is due, and given time to answer. Outside a
     // tick (`TickToken::none()`) it alone is asked and has the whole budget. Allocates nothing.
     void bring(Source& asked, TickToken tick);

@@ -38,6 +38,9 @@ class SlowReading {
         return newest();
     }
 
+    // Before the first tick: has it asked then already, so that there is an answer when one is wanted.
+    void askAhead() { ReadBehind::askAhead(*source_); }
+
     // The newest answer there is, asking for none. Any thread.
     Value newest() const {
         const std::lock_guard lock(shared_->mutex);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/linux/KernelText.h"
+#include "platform/linux/SmallFiles.h"
 
 namespace norvane {
 
@@ -12,16 +13,6 @@ namespace {
 
 bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
-}
-
-std::string textOf(const RootFolder& root, const std::string& path) {
-    const auto text = root.read(path);
-    return text ? std::string(trimmed(*text)) : std::string();
-}
-
-std::optional<std::int64_t> numberOf(const RootFolder& root, const std::string& path) {
-    const auto text = root.read(path);
-    return text ? parseSignedNumber(*text) : std::nullopt;
 }
 
 std::optional<MilliCelsius> temperatureIn(const std::optional<std::string_view>& text) {

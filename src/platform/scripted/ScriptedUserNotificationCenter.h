@@ -27,7 +27,8 @@ class ScriptedUserNotificationCenter final : public UserNotificationCenter {
                           [this, content = std::make_shared<NotificationContent>(request.content),
                            done = std::make_shared<decltype(completion)>(std::move(completion))] {
                               const auto failure = error.ask();
-                              if (!failure) shown.push_back(*content);
+                              const bool isDenied = status.ask() == NotificationAuthorization::denied;
+                              if (!failure && !isDenied) shown.push_back(*content);
                               (*done)(failure);
                           });
     }
@@ -38,7 +39,7 @@ class ScriptedUserNotificationCenter final : public UserNotificationCenter {
         queue_.async([this, done = std::move(completion)] { done(status.ask()); });
     }
 
-    // What comes of the next notification whose time has come.
+    // What comes of the next notification whose time has come. A refused one is lost without a word.
     ScriptedAnswer<std::optional<std::string>> error{std::nullopt};
     ScriptedAnswer<bool> isGranted{true};
     ScriptedAnswer<NotificationAuthorization> status{NotificationAuthorization::authorized};
