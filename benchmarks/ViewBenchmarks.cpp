@@ -31,7 +31,7 @@ class Screen {
         : platform_(platform(measuresRealText)),
           preferences_(platform_.userDefaults),
           sampler_(PerformanceSampler::create(platform_, preferences_)),
-          dashboard_(platform_, sampler_),
+          dashboard_(platform_, preferences_, sampler_, smartPodManager_),
           label_(labelModel_, platform_.textRuler, platform_.appearance) {
         sampler_->start();
         sampler_->setUIVisible(true);
@@ -84,6 +84,7 @@ class Screen {
     PreferencesStore preferences_;
     MenuBarStatsModel labelModel_;
     std::shared_ptr<PerformanceSampler> sampler_;
+    SmartPodManager smartPodManager_;
     MenuRootView dashboard_;
     PassthroughHostingView label_;
     int second_ = 0;

@@ -6,6 +6,8 @@
 #include "dashboard/ArdoSnapshotPodView.h"
 #include "dashboard/PodValue.h"
 #include "insight/SystemStatusText.h"
+#include "preferences/DefaultsKeys.h"
+#include "preferences/StoredValue.h"
 #include "views/Button.h"
 #include "views/Divider.h"
 #include "views/Spacer.h"
@@ -14,11 +16,16 @@
 
 namespace norvane {
 
-MenuRootView::MenuRootView(const Platform& platform, std::shared_ptr<PerformanceSampler> sampler)
+MenuRootView::MenuRootView(const Platform& platform, const PreferencesStore& preferences,
+                           std::shared_ptr<PerformanceSampler> sampler,
+                           const SmartPodManager& smartPodManager)
     : application_(platform.application),
       processInfo_(platform.processInfo),
+      userDefaults_(platform.userDefaults),
+      preferences_(preferences),
       sampler_(std::move(sampler)),
       status_(platform.dispatch.mainQueue(), [this] { hosted_.invalidate(); }),
+      openingRule_(smartPodManager),
       hosted_([this] { return body(); }, platform.textRuler, platform.appearance) {
     visibilityChanges_ =
         sampler_->isUIVisible().observe([this](bool isVisible) { didChangeVisibility(isVisible); });
@@ -32,10 +39,23 @@ std::string_view MenuRootView::systemStatusText() const {
                                      processInfo_.isLowPowerModeEnabled());
 }
 
+SnapshotSection MenuRootView::sectionIfOpened() const {
+    OpeningRule rule = openingRule_;
+    return sectionBy(rule);
+}
+
+SnapshotSection MenuRootView::sectionBy(OpeningRule& rule) const {
+    const auto lastViewedPod = userDefaults_.objectForKey(defaultskey::kLastViewedPod);
+    return rule.open(preferences_.isSmartAutoExpandEnabled(), sampler_->snapshot().get().get(),
+                     lastViewedPod ? storedText(*lastViewedPod) : std::nullopt);
+}
+
+// An opening is one event, although the view first appears in the same moment in which it turns visible.
 void MenuRootView::didChangeVisibility(bool isVisible) {
     const bool wasVisible = std::exchange(wasVisible_, isVisible);
     if (!isVisible || wasVisible) return;
     status_.open(systemStatusText());
+    expandedSection_ = sectionBy(openingRule_);
     hosted_.invalidate();
 }
 

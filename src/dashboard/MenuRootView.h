@@ -2,10 +2,13 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 
+#include "insight/OpeningRule.h"
 #include "insight/SteadyStatusLine.h"
 #include "platform/Platform.h"
+#include "preferences/PreferencesStore.h"
 #include "telemetry/PerformanceSampler.h"
 #include "views/Element.h"
 #include "views/HostedView.h"
@@ -17,8 +20,9 @@ namespace norvane {
 // thread only.
 class MenuRootView {
  public:
-    // The platform outlives the view.
-    MenuRootView(const Platform& platform, std::shared_ptr<PerformanceSampler> sampler);
+    // Platform, preferences and manager outlive the view.
+    MenuRootView(const Platform& platform, const PreferencesStore& preferences,
+                 std::shared_ptr<PerformanceSampler> sampler, const SmartPodManager& smartPodManager);
     MenuRootView(const MenuRootView&) = delete;
     MenuRootView& operator=(const MenuRootView&) = delete;
 
@@ -26,6 +30,11 @@ class MenuRootView {
     SurfaceContent& content() { return hosted_; }
 
     static constexpr double kWidth = 520;
+
+    // The pod that is expanded; none before the first opening.
+    std::optional<SnapshotSection> expandedSection() const { return expandedSection_; }
+    // The pod that an opening at this moment would expand. Changes nothing.
+    SnapshotSection sectionIfOpened() const;
 
  private:
     Element body();
@@ -35,13 +44,18 @@ class MenuRootView {
     Element quitRow();
 
     std::string_view systemStatusText() const;
+    SnapshotSection sectionBy(OpeningRule& rule) const;
     void didChangeVisibility(bool isVisible);
     void didPublish();
 
     Application& application_;
     ProcessInfo& processInfo_;
+    const UserDefaults& userDefaults_;
+    const PreferencesStore& preferences_;
     std::shared_ptr<PerformanceSampler> sampler_;
     SteadyStatusLine status_;
+    OpeningRule openingRule_;
+    std::optional<SnapshotSection> expandedSection_;
     bool quitHover_ = false;
     bool wasVisible_ = false;
     HostedView hosted_;

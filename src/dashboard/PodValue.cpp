@@ -23,4 +23,9 @@ PodValue memoryPodValue(const SystemSnapshot* snapshot) {
     return usedOf(snapshot->usedMemoryGB, snapshot->totalMemoryGB, 2);
 }
 
+PodValue storagePodValue(const SystemSnapshot* snapshot) {
+    if (snapshot == nullptr) return usedOf(0, 0, 1);
+    return usedOf(snapshot->usedDiskGB, snapshot->totalDiskGB, 1);
+}
+
 }  // namespace norvane

@@ -17,5 +17,6 @@ struct PodValue {
 // A snapshot that is null counts as all zeros.
 PodValue cpuPodValue(const SystemSnapshot* snapshot);
 PodValue memoryPodValue(const SystemSnapshot* snapshot);
+PodValue storagePodValue(const SystemSnapshot* snapshot);
 
 }  // namespace norvane

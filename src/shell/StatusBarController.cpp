@@ -17,7 +17,9 @@ std::shared_ptr<StatusBarController> StatusBarController::create(const Platform&
 }
 
 StatusBarController::StatusBarController(const Platform& platform, const PreferencesStore& preferences)
-    : platform_(platform), sampler_(PerformanceSampler::create(platform, preferences)) {}
+    : platform_(platform),
+      preferences_(preferences),
+      sampler_(PerformanceSampler::create(platform, preferences)) {}
 
 void StatusBarController::startUp() {
     const std::weak_ptr<StatusBarController> weak = weak_from_this();
@@ -54,7 +56,7 @@ void StatusBarController::updateStats(const MenuBarStats& stats) {
 
 Popover& StatusBarController::mainPopover() {
     if (!mainPopover_) {
-        menuRootView_.emplace(platform_, sampler_);
+        menuRootView_.emplace(platform_, preferences_, sampler_, smartPodManager_);
         mainPopover_.emplace(platform_.windowServer, platform_.dispatch.mainQueue(),
                              menuRootView_->content());
         mainPopover_->setBehavior(PopoverBehavior::transient);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dashboard/MenuRootView.h"
+#include "insight/SmartPodManager.h"
 #include "platform/Platform.h"
 #include "preferences/PreferencesStore.h"
 #include "shell/MenuBarStatsModel.h"
@@ -29,6 +30,9 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     void statusItemClicked();
 
     const PerformanceSampler& sampler() const { return *sampler_; }
+    const SmartPodManager& smartPodManager() const { return smartPodManager_; }
+    // Null before the first click.
+    const MenuRootView* menuRootView() const { return menuRootView_ ? &*menuRootView_ : nullptr; }
 
  private:
     StatusBarController(const Platform& platform, const PreferencesStore& preferences);
@@ -44,7 +48,9 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     void popoverDidClose(Popover& popover) override;
 
     Platform platform_;
+    const PreferencesStore& preferences_;
     std::shared_ptr<PerformanceSampler> sampler_;
+    SmartPodManager smartPodManager_;
     MenuBarStatsModel statsModel_;
     std::optional<PassthroughHostingView> statsHostingView_;
     std::unique_ptr<StatusItem> statusItem_;

@@ -174,7 +174,8 @@ TEST_F(ApplicationTest, TheSentenceWaitsForALastingLoadAndForgetsAtAReopening) {
 TEST_F(ApplicationTest, ShownWhileItIsShownTheSentenceKeepsItsWait) {
     const PreferencesStore preferences(machine_.userDefaults);
     auto sampler = PerformanceSampler::create(machine_.platform(), preferences);
-    MenuRootView view(machine_.platform(), sampler);
+    const SmartPodManager smartPodManager;
+    MenuRootView view(machine_.platform(), preferences, sampler, smartPodManager);
     const auto sentence = [&] {
         view.content().displayList(view.content().fittingSize(), machine_.time.monotonic());
         return view.content().accessibleTree().children.at(1).name;

@@ -61,6 +61,8 @@ void ScenarioPlayer::launch() {
     machine_.scripted.application.terminated = false;
     app_.emplace(machine_.scripted.platform());
     app_->launch();
+    explanations_.emplace(app_->delegate().statusBarController()->sampler(), app_->preferences(),
+                          machine_.scripted.processInfo);
     settle();
 }
 
@@ -71,7 +73,10 @@ void ScenarioPlayer::needProgram() {
 
 void ScenarioPlayer::settle() {
     machine_.scripted.settle();
-    if (app_ && machine_.scripted.application.terminated) app_.reset();
+    if (app_ && machine_.scripted.application.terminated) {
+        explanations_.reset();
+        app_.reset();
+    }
     if (hasLaunched_) transcript_.look(sight(), elapsed());
 }
 

@@ -32,7 +32,9 @@ class ScenarioPlayer {
     void onLeaving(Leaving leaving) { leaving_ = std::move(leaving); }
 
     // What is to be seen at this moment.
-    Sight sight() { return {machine_.scripted, app_ ? &*app_ : nullptr}; }
+    Sight sight() {
+        return {machine_.scripted, app_ ? &*app_ : nullptr, explanations_ ? &*explanations_ : nullptr};
+    }
     // Since the start of the scenario, sleep included.
     std::chrono::nanoseconds elapsed() const { return machine_.scripted.time.uptime() - start_; }
 
@@ -70,8 +72,9 @@ class ScenarioPlayer {
     Transcript transcript_;
     Leaving leaving_;
     bool hasLaunched_ = false;
-    // Last, so that it ends first.
+    // Last, so that it ends first, after what looks at it.
     std::optional<NorvaneApp> app_;
+    std::optional<Explanations> explanations_;
 };
 
 }  // namespace norvane

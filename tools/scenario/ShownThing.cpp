@@ -2,6 +2,9 @@
 
 #include <memory>
 
+#include "dashboard/PodValue.h"
+#include "insight/ImpactPod.h"
+#include "insight/SystemStatusText.h"
 #include "platform/scripted/ScriptedPopoverWindow.h"
 #include "scenario/ShownJson.h"
 #include "scenario/SnapshotFields.h"
@@ -42,6 +45,46 @@ Json statusLine(const Sight& sight) {
         if (child.role == AccessibleRole::text && ++texts == 2) return child.name;
     }
     return {};
+}
+
+// The verdict as it is worked out, before it has been steadied.
+Json computedStatus(const Sight& sight) {
+    const PerformanceSampler* const sampler = sight.sampler();
+    if (sampler == nullptr) return {};
+    return std::string(systemStatusText(sampler->snapshot().get().get(), sampler->systemState().get(),
+                                        sight.machine.processInfo.isLowPowerModeEnabled()));
+}
+
+template <typename Text>
+auto explained(Text text) {
+    return [text](const Sight& sight) {
+        if (sight.explanations == nullptr) return Json();
+        const std::string_view said = text(*sight.explanations);
+        return said.empty() ? Json() : Json(std::string(said));
+    };
+}
+
+std::string podText(const PodValue& pod) {
+    return pod.value + " " + pod.unit;
+}
+
+// The pod that is expanded in the open dashboard.
+Json expandedPod(const Sight& sight) {
+    const auto* const view =
+        sight.app != nullptr ? sight.app->delegate().statusBarController()->menuRootView() : nullptr;
+    const auto section = view != nullptr && !sight.machine.windowServer.windows().empty()
+                             ? view->expandedSection()
+                             : std::nullopt;
+    return section ? Json(std::string(rawTextOf(*section))) : Json();
+}
+
+// The pod that an opening at this moment would expand.
+Json podIfOpened(const Sight& sight) {
+    if (sight.app == nullptr) return {};
+    const StatusBarController& controller = *sight.app->delegate().statusBarController();
+    // Nobody has opened it yet: what is chosen rests on no snapshot.
+    if (controller.menuRootView() == nullptr) return std::string(rawTextOf(SnapshotSection::cpu));
+    return std::string(rawTextOf(controller.menuRootView()->sectionIfOpened()));
 }
 
 // "37% 4.0G"
@@ -120,11 +163,40 @@ std::vector<ShownThing> allThings() {
         {"cpuHistory", Kind::value, published(cpuHistory)},
         {"label", Kind::value, label},
         {"status", Kind::value, statusLine},
+        {"status.computed", Kind::value, computedStatus},
+        {"pod.expanded", Kind::value, expandedPod},
+        {"pod.ifOpened", Kind::value, podIfOpened},
+        {"pod.cpu", Kind::value, published([](const Sampler& sampler) {
+             return Json(podText(cpuPodValue(sampler.snapshot().get().get())));
+         })},
+        {"pod.memory", Kind::value, published([](const Sampler& sampler) {
+             return Json(podText(memoryPodValue(sampler.snapshot().get().get())));
+         })},
+        {"pod.storage", Kind::value, published([](const Sampler& sampler) {
+             return Json(podText(storagePodValue(sampler.snapshot().get().get())));
+         })},
+        {"pod.battery", Kind::value, published([](const Sampler& sampler) {
+             return Json(std::string(impactPodValue(sampler.snapshot().get().get())));
+         })},
         {"dashboard", Kind::value, dashboard},
         {"notificationsAdded", Kind::log, notificationsAdded},
         {"notificationsShown", Kind::log, notificationsShown},
         {"output", Kind::log, output},
     };
+    for (const SnapshotSection section : {SnapshotSection::cpu, SnapshotSection::memory,
+                                          SnapshotSection::storage, SnapshotSection::battery}) {
+        const std::string name = "insight." + std::string(rawTextOf(section));
+        things.push_back({name, Kind::value,
+                          explained([section](const Explanations& all) { return all.shown(section); })});
+        things.push_back({name + ".live", Kind::value,
+                          explained([section](const Explanations& all) { return all.live(section); })});
+        for (const auto verbosity : {InsightVerbosity::detailed, InsightVerbosity::concise}) {
+            things.push_back({name + "." + std::string(rawTextOf(verbosity)), Kind::value,
+                              explained([section, verbosity](const Explanations& all) {
+                                  return all.live(section, verbosity);
+                              })});
+        }
+    }
     for (const SnapshotField& field : snapshotFields()) {
         things.push_back({"snapshot." + std::string(field.name), Kind::value,
                           published([shown = field.shown](const Sampler& sampler) {
@@ -144,9 +216,10 @@ const std::vector<ShownThing>& shownThings() {
 
 std::vector<const ShownThing*> shownThingsNamed(std::string_view name) {
     std::vector<const ShownThing*> named;
+    const std::string group = std::string(name) + ".";
     for (const ShownThing& thing : shownThings()) {
-        const bool isField = name == "snapshot" && thing.name.starts_with("snapshot.");
-        if (isField || thing.name == name) named.push_back(&thing);
+        if (thing.name == name) return {&thing};
+        if (thing.name.starts_with(group)) named.push_back(&thing);
     }
     return named;
 }

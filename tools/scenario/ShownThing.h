@@ -21,10 +21,11 @@ struct ShownThing {
     std::function<Json(const Sight&)> shown;
 };
 
-// All that there is to show. Those of a snapshot are called "snapshot." and the field's name.
+// All that there is to show. Names of those that belong together begin alike: "snapshot." and the field's.
 const std::vector<ShownThing>& shownThings();
 
-// The things of this name: one, or with "snapshot" all of its fields. None of an unknown name.
+// The thing of this name, or, where none is called so, all whose names begin with it and a point: "snapshot"
+// is all of its fields. None of an unknown name.
 std::vector<const ShownThing*> shownThingsNamed(std::string_view name);
 
 }  // namespace norvane

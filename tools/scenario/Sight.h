@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/scripted/ScriptedMachine.h"
+#include "scenario/Explanations.h"
 #include "shell/NorvaneApp.h"
 
 namespace norvane {
@@ -10,6 +11,8 @@ namespace norvane {
 struct Sight {
     ScriptedMachine& machine;
     NorvaneApp* app;
+    // Likewise.
+    const Explanations* explanations;
 
     // Null while the program does not run.
     const PerformanceSampler* sampler() const {

@@ -1,0 +1,28 @@
+#include "insight/StorageInsight.h"
+
+#include "insight/AtVerbosity.h"
+#include "insight/Sentences.h"
+#include "telemetry/BootVolume.h"
+
+namespace norvane {
+namespace {
+
+std::string_view explanationOf(const SystemSnapshot& now, double readMBps, double writeMBps) {
+    if (now.isStorageCritical) return sentences::kStorageCritical;
+    if (now.isStorageLow) return sentences::kStorageLow;
+    if (now.isStorageHeavyIO && readMBps < writeMBps) return sentences::kStorageHeavyWrite;
+    if (now.isStorageHeavyIO) return sentences::kStorageHeavyRead;
+    if (now.isStorageFilling) return sentences::kStorageFilling;
+    return sentences::kStorageHealthy;
+}
+
+}  // namespace
+
+std::string_view storageInsightText(const SystemSnapshot* snapshot, const std::vector<DiskSnapshot>& volumes,
+                                    double readMBps, double writeMBps, InsightVerbosity verbosity) {
+    // The first boot volume is the first of the primary ones that is one.
+    if (snapshot == nullptr || bootVolumeOf(volumes) == nullptr) return sentences::kStorageUnavailable;
+    return atVerbosity(verbosity, explanationOf(*snapshot, readMBps, writeMBps));
+}
+
+}  // namespace norvane
