@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "Transcripts.h"
 
@@ -40,11 +41,20 @@ class ScenarioProgramTest : public testing::Test {
     fs::path folder_;
 };
 
-// What stands in the first block of this language.
-std::string blockIn(const std::string& text, const std::string& language) {
+// What stands in the blocks of this language, one after another.
+std::vector<std::string> blocksIn(const std::string& text, const std::string& language) {
     const std::string opening = "```" + language + "\n";
-    const std::size_t begin = text.find(opening) + opening.size();
-    return text.substr(begin, text.find("```", begin) - begin);
+    std::vector<std::string> blocks;
+    for (std::size_t at = text.find(opening); at != std::string::npos; at = text.find(opening, at)) {
+        at += opening.size();
+        blocks.push_back(text.substr(at, text.find("```", at) - at));
+    }
+    return blocks;
+}
+
+std::string blockIn(const std::string& text, const std::string& language) {
+    const auto blocks = blocksIn(text, language);
+    return blocks.empty() ? "" : blocks.front();
 }
 
 TEST_F(ScenarioProgramTest, PrintsWhatTheManualSays) {
@@ -54,6 +64,16 @@ TEST_F(ScenarioProgramTest, PrintsWhatTheManualSays) {
     EXPECT_EQ(read("output"), blockIn(manual, "text"));
     EXPECT_EQ(read("errors"), "");
     EXPECT_GT(linesOf(read("output")).size(), 5U);
+}
+
+// The document tells the story turn by turn, with nothing left out in between.
+TEST_F(ScenarioProgramTest, PrintsWhatTheAfternoonSays) {
+    std::string told;
+    for (const std::string& turn : blocksIn(contentsOf("docs/an-afternoon.md"), "text"))
+        told += turn;
+    EXPECT_TRUE(run(std::string("'") + NORVANE_SOURCE_DIR + "/tests/stories/bad-afternoon.jsonl'"))
+        << read("errors");
+    EXPECT_EQ(read("output"), told);
 }
 
 TEST_F(ScenarioProgramTest, NamesFileAndLineOfAnError) {

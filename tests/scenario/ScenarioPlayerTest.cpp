@@ -108,6 +108,33 @@ TEST(ScenarioPlayer, PrintsChangesTicksIntervalsAndMomentsAsAsked) {
                R"(00:00:10.500 label="20% 4.0G")", R"(00:00:13.500 label="30% 4.0G")"}));
 }
 
+// On screen with the third snapshot that says the same, also when it is the user who wants it shorter.
+TEST(ScenarioPlayer, ShowsExplanationsAsComputedAndAsOnScreen) {
+    const std::string headline = "CPU is operating efficiently.";
+    const std::string whole =
+        headline + R"(\nCompute demand is low and the system is maintaining optimal performance.)";
+    EXPECT_EQ(
+        played(lines({R"({"load": 20, "show": ["insight.cpu", "insight.cpu.live", "insight.cpu.concise"]})",
+                      R"({"user": "open", "wait": "4s"})",
+                      R"({"preference": {"insightVerbosity": "concise"}, "wait": "3s"})"})),
+        (Lines{R"(00:00:00.000 insight.cpu=null insight.cpu.live="CPU status unavailable.")"
+               R"( insight.cpu.concise="CPU status unavailable.")",
+               R"(00:00:00.000 insight.cpu="CPU status unavailable." insight.cpu.live=")" + whole +
+                   R"(" insight.cpu.concise=")" + headline + '"',
+               R"(00:00:02.000 insight.cpu=")" + whole + '"',
+               R"(00:00:04.000 insight.cpu.live=")" + headline + '"',
+               R"(00:00:07.000 insight.cpu=")" + headline + '"'}));
+}
+
+TEST(ScenarioPlayer, ANameShowsAllThatBeginWithItAndAPoint) {
+    EXPECT_EQ(played(lines({R"({"show": ["pod"], "wait": "1ms"})"})),
+              Lines{R"(00:00:00.000 pod.expanded=null pod.ifOpened="cpu" pod.cpu="0.00 %")"
+                    R"( pod.memory="0.00 GB used" pod.storage="0.0 GB used" pod.battery="—")"});
+    EXPECT_EQ(played(lines({R"({"show": ["insight.storage"], "wait": "1ms"})"})),
+              Lines{"00:00:00.000 insight.storage=null"})
+        << "what is called so is meant alone";
+}
+
 TEST(ScenarioPlayer, QuitsAndStartsAgain) {
     EXPECT_EQ(played(lines({R"({"show": ["isRunning", "isUIVisible"], "wait": "1s"})",
                             R"({"user": "open", "clickOn": "Quit"})", R"({"wait": "5s"})",
