@@ -2,19 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/scripted/ScriptedMachine.h"
-#include "telemetry/PerformanceSampler.h"
+#include "insight/HealthySnapshot.h"
 
 namespace norvane {
 namespace {
 
 TEST(PodValue, FormatsWithFixedPlacesAndTellsLargeMachinesInTerabytes) {
-    ScriptedMachine machine;
-    const PreferencesStore preferences(machine.userDefaults);
-    const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
-    sampler->setUIVisible(true);
-    machine.settle();
-    SystemSnapshot snapshot = *sampler->snapshot().get();
+    SystemSnapshot snapshot = healthySnapshot();
 
     EXPECT_EQ(cpuPodValue(nullptr), (PodValue{"0.00", "%"}));
     EXPECT_EQ(memoryPodValue(nullptr), (PodValue{"0.00", "GB used"}));
@@ -31,6 +25,14 @@ TEST(PodValue, FormatsWithFixedPlacesAndTellsLargeMachinesInTerabytes) {
         snapshot.usedMemoryGB = c.used;
         snapshot.totalMemoryGB = c.total;
         EXPECT_EQ(memoryPodValue(&snapshot), c.want);
+    }
+    EXPECT_EQ(storagePodValue(nullptr), (PodValue{"0.0", "GB used"}));
+    for (const Case& c : {Case{250.04, 500, {"250.0", "GB used"}}, Case{0, 0, {"0.0", "GB used"}},
+                          Case{512, 1023.9, {"512.0", "GB used"}}, Case{512, 1024, {"0.5", "TB used"}},
+                          Case{1536, 2000, {"1.5", "TB used"}}}) {
+        snapshot.usedDiskGB = c.used;
+        snapshot.totalDiskGB = c.total;
+        EXPECT_EQ(storagePodValue(&snapshot), c.want);
     }
 }
 

@@ -3,25 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "insight/HealthySnapshot.h"
 #include "insight/SteadyStatusLine.h"
 #include "insight/SystemStatusText.h"
-#include "platform/scripted/ScriptedMachine.h"
-#include "telemetry/PerformanceSampler.h"
 
 namespace norvane {
 namespace {
 
 using namespace std::chrono_literals;
-
-// A snapshot of a healthy machine, as its sampler makes it.
-SystemSnapshot healthySnapshot() {
-    ScriptedMachine machine;
-    const PreferencesStore preferences(machine.userDefaults);
-    const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
-    sampler->setUIVisible(true);
-    machine.settle();
-    return *sampler->snapshot().get();
-}
 
 // The verdict by its own statement: each condition with its sentence, the earlier one winning.
 TEST(SystemStatusText, NamesTheMostSeriousThingFirstInEveryCombination) {
@@ -78,6 +67,15 @@ TEST(SystemStatusText, CallsABatteryLowAtFifteenPercentOnBatteryOnly) {
     EXPECT_TRUE(isLow(true, 15));
     EXPECT_FALSE(isLow(true, 16));
     EXPECT_FALSE(isLow(false, 5));
+}
+
+TEST(SystemStatusText, CallsMemoryExhaustedFromTheKernelsCriticalLevelUp) {
+    SystemSnapshot now = healthySnapshot();
+    for (std::int64_t pressure = 0; pressure <= 5; ++pressure) {
+        now.memoryPressure = pressure;
+        const auto text = systemStatusText(&now, ComponentState::normal, false);
+        EXPECT_EQ(text.starts_with("Critical memory exhaustion."), pressure >= 4) << pressure;
+    }
 }
 
 class SteadyStatusLineTest : public testing::Test {

@@ -1,0 +1,105 @@
+#include "insight/MemoryInsight.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "insight/Combination.h"
+#include "insight/HealthySnapshot.h"
+#include "insight/InsightTable.h"
+
+namespace norvane {
+namespace {
+
+TEST(MemoryPressureTier, IsRaisedToAWarningByMuchSwapOrMuchCompression) {
+    struct Case {
+        std::int64_t memoryPressure;
+        double swapUsedGB, compressedMemoryGB, totalMemoryGB;
+        std::int64_t tier;
+    };
+    SystemSnapshot now = healthySnapshot();
+    for (const Case& c : {
+             Case{-1, 0, 0, 10, -1},
+             Case{0, 0, 0, 10, 0},
+             Case{1, 0, 0, 10, 1},
+             Case{2, 0, 0, 10, 2},
+             Case{3, 0, 0, 10, 3},
+             Case{4, 0, 0, 10, 4},
+             Case{5, 0, 0, 10, 5},
+             Case{1, 1.0, 0, 10, 1},
+             Case{1, std::nextafter(1.0, 2), 0, 10, 2},
+             Case{1, 0, 4, 10, 1},  // 0.4 to the last bit
+             Case{1, 0, std::nextafter(4.0, 5), 10, 2},
+             Case{-1, 1.5, 0, 10, 2},
+             Case{0, 1.5, 0, 10, 2},
+             Case{0, 0, 5, 10, 2},
+             Case{2, 1.5, 5, 10, 2},
+             Case{3, 1.5, 5, 10, 3},
+             Case{4, 1.5, 5, 10, 4},
+             Case{5, 1.5, 5, 10, 5},
+             Case{1, 0, 5, 0, 1},  // no total, no ratio
+             Case{1, 0, -5, -10, 1},
+             Case{1, 1.5, 5, 0, 2},
+         }) {
+        now.memoryPressure = c.memoryPressure;
+        now.swapUsedGB = c.swapUsedGB;
+        now.compressedMemoryGB = c.compressedMemoryGB;
+        now.totalMemoryGB = c.totalMemoryGB;
+        EXPECT_EQ(memoryPressureTier(&now), c.tier) << c.memoryPressure << ' ' << c.swapUsedGB << ' '
+                                                    << c.compressedMemoryGB << ' ' << c.totalMemoryGB;
+    }
+    EXPECT_EQ(memoryPressureTier(nullptr), 1);
+}
+
+TEST(MemoryInsight, SaysTheSentenceOfEveryCombination) {
+    // The kernel's level, what raises it (nothing, swap, compression); swap high, thrashing, highly
+    // compressed, caching.
+    InsightTable table({
+        {{"4. ....", "[01235]. 11.."},
+         "Critical memory load.",
+         "The system is severely bottlenecked, aggressively thrashing the SSD for virtual memory. System "
+         "responsiveness is significantly impacted."},
+        {{"[01235]. 10..", "[235]. 0...", "[01][sc] 0..."},
+         "Elevated memory pressure.",
+         "Physical RAM is full. macOS is heavily relying on SSD swap space to keep background applications "
+         "running. Consider closing unused apps."},
+        {{"[01]n 0.1."},
+         "Memory is highly utilized.",
+         "macOS is actively compressing background data to avoid using the slower SSD swap. Foreground "
+         "performance remains stable."},
+        {{"1n 0.01"},
+         "Operating optimally.",
+         "macOS is efficiently utilizing unused RAM to cache files for instant access. This space will be "
+         "immediately freed if applications request it."},
+        {{"1n 0.00", "0n 0.0."},
+         "Memory is healthy.",
+         "Application demand is comfortably fitting within physical RAM without requiring active compression "
+         "or SSD swap."},
+    });
+    SystemSnapshot now = healthySnapshot();
+    now.totalMemoryGB = 10;
+    for (unsigned number = 0;; ++number) {
+        Combination combination(number);
+        now.memoryPressure = combination.letter("012345") - '0';
+        const char raising = combination.letter("nsc");
+        now.swapUsedGB = raising == 's' ? 1.5 : 1;
+        now.compressedMemoryGB = raising == 'c' ? 4.5 : 4;
+        now.isMemorySwapHigh = combination.flag();
+        now.isMemoryThrashing = combination.flag();
+        now.isMemoryHighlyCompressed = combination.flag();
+        now.isMemoryCachingActive = combination.flag();
+        if (combination.isBeyondLast()) break;
+        table.expect(combination.state(),
+                     [&](InsightVerbosity verbosity) { return memoryInsightText(&now, verbosity); });
+    }
+    table.expectAllReached();
+}
+
+TEST(MemoryInsight, SaysOneLineWithoutASnapshotHoweverMuchIsWanted) {
+    for (const auto verbosity : {InsightVerbosity::detailed, InsightVerbosity::concise}) {
+        EXPECT_EQ(memoryInsightText(nullptr, verbosity), "Memory status unavailable.");
+    }
+}
+
+}  // namespace
+}  // namespace norvane
