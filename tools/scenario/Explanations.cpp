@@ -13,7 +13,9 @@ Explanations::Explanations(const PerformanceSampler& sampler, const PreferencesS
                            ProcessInfo& processInfo)
     : sampler_(sampler), preferences_(preferences), processInfo_(processInfo) {
     visibility_ = sampler_.isUIVisible().observe([this](bool isVisible) { didChangeVisibility(isVisible); });
-    snapshots_ = sampler_.snapshot().observe([this](const auto&) { didPublish(); });
+    // A tick publishes its volumes with each snapshot, just after it: then all that a panel looks at is
+    // there.
+    publications_ = sampler_.volumes().observe([this](const auto&) { didPublish(); });
 }
 
 std::string_view Explanations::live(SnapshotSection section, InsightVerbosity verbosity) const {
@@ -64,7 +66,6 @@ void Explanations::didChangeVisibility(bool isVisible) {
 void Explanations::didPublish() {
     if (!isVisible_) return;
     cpu_.update(live(SnapshotSection::cpu));
-    // The volumes of the same tick are published just after its snapshot, and looked at with the next one.
     storage_.update(live(SnapshotSection::storage));
     battery_.update(live(SnapshotSection::battery));
 }

@@ -37,7 +37,7 @@ class Explanations {
     VerbalStabiliser storage_;
     VerbalStabiliser battery_;
     Cancellation visibility_;
-    Cancellation snapshots_;
+    Cancellation publications_;
 };
 
 }  // namespace norvane
