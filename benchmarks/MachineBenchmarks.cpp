@@ -43,7 +43,7 @@ struct Growth {
 };
 const Growth kProcessors{"processors", {16, 64, 256}};
 const Growth kDrives{"drives", {6, 12, 24, 48, 96}};
-const Growth kMounts{"mounts", {250, 500, 1000, 2000, 4000}};
+const Growth kMounts{"mounts", {125, 250, 500, 1000, 2000}};
 
 class ReadsOfTicks final : public FileObserver {
  public:
