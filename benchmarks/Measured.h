@@ -2,6 +2,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <time.h>
+
 #include <chrono>
 
 namespace norvane {
@@ -16,6 +18,21 @@ void measure(benchmark::State& state, Prepare&& prepare, Work&& work, CleanUp&& 
         const auto end = std::chrono::steady_clock::now();
         state.SetIterationTime(std::chrono::duration<double>(end - begin).count());
         cleanUp();
+    }
+}
+
+// What the work costs this process' threads together, however long they wait for one another.
+template <typename Work>
+void measureProcessorTime(benchmark::State& state, Work&& work) {
+    const auto spent = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    };
+    for ([[maybe_unused]] auto _ : state) {
+        const double before = spent();
+        work();
+        state.SetIterationTime(spent() - before);
     }
 }
 

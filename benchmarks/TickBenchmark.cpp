@@ -1,5 +1,7 @@
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
+
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -106,7 +108,16 @@ bool countsAllocations() {
     return allocationsOnThisThread() == before + 1;
 }
 
+// By itself the allocator decides from size to size, and from run to run, what it gives back to the kernel in
+// between; getting it anew costs as much as the work that is measured.
+void keepMemory() {
+    constexpr int kBytes = 64 << 20;
+    ::mallopt(M_MMAP_THRESHOLD, kBytes);
+    ::mallopt(M_TRIM_THRESHOLD, kBytes);
+}
+
 int run(int argumentCount, char** arguments) {
+    keepMemory();
     // The random order is the default here; what the user says comes later and wins.
     std::string shuffled = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> all(arguments, arguments + argumentCount);

@@ -1,8 +1,8 @@
 #include "insight/BatteryInsight.h"
 
 #include "insight/AtVerbosity.h"
-#include "insight/Sentences.h"
 #include "telemetry/MemoryPressure.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 namespace {

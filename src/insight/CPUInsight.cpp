@@ -1,7 +1,7 @@
 #include "insight/CPUInsight.h"
 
 #include "insight/AtVerbosity.h"
-#include "insight/Sentences.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "insight/AtVerbosity.h"
-#include "insight/Sentences.h"
 #include "telemetry/MemoryPressure.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 namespace {

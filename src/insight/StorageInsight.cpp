@@ -1,8 +1,8 @@
 #include "insight/StorageInsight.h"
 
 #include "insight/AtVerbosity.h"
-#include "insight/Sentences.h"
 #include "telemetry/BootVolume.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 namespace {

@@ -1,7 +1,7 @@
 #include "insight/SystemStatusText.h"
 
-#include "insight/Sentences.h"
 #include "telemetry/MemoryPressure.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <initializer_list>
 #include <utility>
 
 #include "platform/WholeNumber.h"
 #include "telemetry/BootVolume.h"
+#include "telemetry/Sentences.h"
 
 namespace norvane {
 namespace {
@@ -28,6 +30,13 @@ std::string wholeText(double number) {
     return std::to_string(wholeNumber(number));
 }
 
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts)
+        text += part;
+    return text;
+}
+
 // An error's text comes from another program and may have any form.
 std::string onOneLine(std::string text) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
@@ -46,11 +55,8 @@ HardwareAlerts::HardwareAlerts(const Platform& platform, const PreferencesStore&
       appLaunchTime_(platform.wallClock.now()) {}
 
 void HardwareAlerts::check(const SystemSnapshot& snapshot) {
-    checkSustainedLoad(snapshot.cpuState, "CPU",
-                       "The processor has been pinned at maximum capacity for over 3 minutes.");
-    checkSustainedLoad(snapshot.memoryState, "Memory",
-                       "Memory pressure has been critically high for over 3 minutes. Consider closing "
-                       "inactive apps.");
+    checkSustainedLoad(snapshot.cpuState, "CPU", sentences::kProcessorPinned);
+    checkSustainedLoad(snapshot.memoryState, "Memory", sentences::kMemoryPressureHigh);
     checkHardwareThresholds(snapshot);
 }
 
@@ -69,7 +75,7 @@ void HardwareAlerts::checkSustainedLoad(ComponentState state, std::string_view n
     CriticalStretch& stretch = known->second;
     if (stretch.hasNotified) return;
     if (wallClock_.now() - stretch.start < kSustainedLoadThreshold) return;
-    deliverNotification(std::string(name) + " Sustained Load", std::string(body));
+    deliverNotification(joined({name, sentences::kSustainedLoad}), std::string(body));
     stretch.hasNotified = true;
 }
 
@@ -86,8 +92,9 @@ void HardwareAlerts::checkStorage(const SystemSnapshot& snapshot, WallInstant no
     const double threshold = preferences_.storageAlertThresholdGB();
     if (free <= threshold) {
         if (!isArmed(lastStorageNotificationDate_, now)) return;
-        deliverNotification("Storage Warning", "Your Mac has less than " + wholeText(threshold) +
-                                                   " GB of free space remaining.");
+        deliverNotification(
+            std::string(sentences::kStorageWarning),
+            joined({sentences::kFreeSpaceBelow, wholeText(threshold), sentences::kFreeSpaceRemaining}));
         lastStorageNotificationDate_ = now;
     } else if (threshold + kStorageRearmGB < free) {
         lastStorageNotificationDate_.reset();
@@ -102,7 +109,8 @@ void HardwareAlerts::checkBattery(const SystemSnapshot& snapshot, WallInstant no
     const double threshold = preferences_.batteryAlertThresholdPct();
     if (!(threshold >= static_cast<double>(snapshot.batteryPercentage))) return;
     if (!isArmed(lastBatteryNotificationDate_, now)) return;
-    deliverNotification("Battery Warning", "Battery has dropped below " + wholeText(threshold) + "%.");
+    deliverNotification(std::string(sentences::kBatteryWarning),
+                        joined({sentences::kBatteryBelow, wholeText(threshold), sentences::kBatteryPercent}));
     lastBatteryNotificationDate_ = now;
 }
 

@@ -126,6 +126,12 @@ FileDescriptor RootFolder::open(const char* path) const {
 
 std::optional<std::size_t> RootFolder::readAll(const FileDescriptor& file, std::string_view path,
                                                std::vector<char>& buffer, std::size_t limit) const {
+    return readInto(buffer, file, path, limit);
+}
+
+template <typename Buffer>
+std::optional<std::size_t> RootFolder::readInto(Buffer& buffer, const FileDescriptor& file,
+                                                std::string_view path, std::size_t limit) const {
     if (state_->observer) state_->observer->willRead(path);
     std::size_t length = 0;
     for (;;) {
@@ -149,10 +155,11 @@ std::optional<std::size_t> RootFolder::readAll(const FileDescriptor& file, std::
 std::optional<std::string> RootFolder::read(const std::string& path, std::size_t limit) const {
     const FileDescriptor file = open(path.c_str());
     if (!file) return std::nullopt;
-    std::vector<char> buffer;
-    const auto length = readAll(file, path, buffer, limit);
+    std::string text;
+    const auto length = readInto(text, file, path, limit);
     if (!length) return std::nullopt;
-    return std::string(buffer.data(), *length);
+    text.resize(*length);
+    return text;
 }
 
 std::vector<std::string> RootFolder::names(const std::string& path) const {

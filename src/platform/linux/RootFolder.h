@@ -52,6 +52,9 @@ class RootFolder {
 
  private:
     struct State;
+    template <typename Buffer>
+    std::optional<std::size_t> readInto(Buffer& buffer, const FileDescriptor& file, std::string_view path,
+                                        std::size_t limit) const;
     FileDescriptor openAs(const char* path, int flags) const;
 
     std::shared_ptr<const State> state_;

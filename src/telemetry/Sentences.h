@@ -2,8 +2,23 @@
 
 #include <string_view>
 
-// Every sentence that the system says of the machine, in one place for whoever writes them.
+// Every sentence that the system says of the machine, in one place for whoever writes them. It stands on the
+// lowest floor that says one.
 namespace norvane::sentences {
+
+// Notifications: a title and a body. The component's name, or the user's threshold, belongs in between.
+
+inline constexpr std::string_view kSustainedLoad = " Sustained Load";
+inline constexpr std::string_view kProcessorPinned =
+    "The processor has been pinned at maximum capacity for over 3 minutes.";
+inline constexpr std::string_view kMemoryPressureHigh =
+    "Memory pressure has been critically high for over 3 minutes. Consider closing inactive apps.";
+inline constexpr std::string_view kStorageWarning = "Storage Warning";
+inline constexpr std::string_view kFreeSpaceBelow = "Your Mac has less than ";
+inline constexpr std::string_view kFreeSpaceRemaining = " GB of free space remaining.";
+inline constexpr std::string_view kBatteryWarning = "Battery Warning";
+inline constexpr std::string_view kBatteryBelow = "Battery has dropped below ";
+inline constexpr std::string_view kBatteryPercent = "%.";
 
 // The status line: one sentence on the whole machine.
 
