@@ -91,11 +91,7 @@ std::vector<std::vector<std::string>> readsOn(const std::string& root) {
 }
 
 void add(const std::string& name, int iterations, std::function<void(benchmark::State&)> body) {
-    benchmark::RegisterBenchmark(name.c_str(), std::move(body))
-        ->Unit(benchmark::kMicrosecond)
-        ->UseManualTime()
-        ->Iterations(iterations)
-        ->Repetitions(kRepetitions);
+    registerMeasured(name, iterations, kRepetitions, std::move(body));
 }
 
 void addMachine(const std::string& name, const std::string& root, std::shared_ptr<void> keptAlive) {

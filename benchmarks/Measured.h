@@ -5,8 +5,21 @@
 #include <time.h>
 
 #include <chrono>
+#include <functional>
+#include <string>
+#include <utility>
 
 namespace norvane {
+
+// Registers a benchmark that takes its times itself, as the functions below do.
+inline void registerMeasured(const std::string& name, int iterations, int repetitions,
+                             std::function<void(benchmark::State&)> body) {
+    benchmark::RegisterBenchmark(name.c_str(), std::move(body))
+        ->Unit(benchmark::kMicrosecond)
+        ->UseManualTime()
+        ->Iterations(iterations)
+        ->Repetitions(repetitions);
+}
 
 // Runs a benchmark whose every iteration has parts that are not measured, before and after the one that is.
 template <typename Prepare, typename Work, typename CleanUp>

@@ -26,19 +26,15 @@ constexpr double kMostTimesTheLoop = 1.5;
 constexpr double kMostAllocationsOfLightTicks = 0;
 
 // Short repetitions, and many: all benchmarks take turns in random order, so that a machine that becomes
-// slower for a while becomes it for all of them.
-// A repetition has as many ticks as lie between two readings of the rarest source.
+// slower for a while becomes it for all of them. A repetition has as many ticks as lie between two readings
+// of the rarest source.
 constexpr int kIterations = 30;
 constexpr int kRepetitions = 150;
 
 constexpr const char* kAllocations = "allocations";
 
 void add(const std::string& name, std::function<void(benchmark::State&)> body) {
-    benchmark::RegisterBenchmark(name.c_str(), std::move(body))
-        ->Unit(benchmark::kMicrosecond)
-        ->UseManualTime()
-        ->Iterations(kIterations)
-        ->Repetitions(kRepetitions);
+    registerMeasured(name, kIterations, kRepetitions, std::move(body));
 }
 
 void addPair(const std::string& name, BareLoop::Half half) {

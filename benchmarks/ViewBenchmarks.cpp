@@ -91,11 +91,7 @@ class Screen {
 };
 
 void add(const std::string& name, std::function<void(benchmark::State&)> body) {
-    benchmark::RegisterBenchmark(name.c_str(), std::move(body))
-        ->Unit(benchmark::kMicrosecond)
-        ->UseManualTime()
-        ->Iterations(kIterations)
-        ->Repetitions(kRepetitions);
+    registerMeasured(name, kIterations, kRepetitions, std::move(body));
 }
 
 void pictures(benchmark::State& state, Screen& screen, DisplayList (Screen::*picture)()) {
