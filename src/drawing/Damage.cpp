@@ -22,37 +22,83 @@ void add(std::vector<Rect>& damage, Rect rect) {
     damage.push_back(rect);
 }
 
+// Two groups of which only the contents differ are compared inside.
+bool areOneGroup(const DrawGroup* before, const DrawGroup* after) {
+    return before != nullptr && after != nullptr && before->opacity == after->opacity &&
+           before->clip == after->clip;
+}
+
+class Comparison {
+ public:
+    explicit Comparison(std::vector<Rect>& damage) : damage_(damage) {}
+
+    // Within `visible`, which nothing of either list goes beyond.
+    void compare(const std::vector<DisplayItem>& before, const std::vector<DisplayItem>& after,
+                 const Rect& visible) {
+        // Most frames have the items of the last one, in the same order.
+        const bool sameKeys =
+            before.size() == after.size() &&
+            std::equal(before.begin(), before.end(), after.begin(),
+                       [](const DisplayItem& a, const DisplayItem& b) { return a.key == b.key; });
+        if (sameKeys) {
+            for (std::size_t i = 0; i < after.size(); ++i)
+                compare(before[i], after[i], visible);
+        } else {
+            compareByKeys(before, after, visible);
+        }
+    }
+
+ private:
+    void compare(const DisplayItem& before, const DisplayItem& after, const Rect& visible) {
+        const auto* groupBefore = std::get_if<DrawGroup>(&before.command);
+        const auto* groupAfter = std::get_if<DrawGroup>(&after.command);
+        if (areOneGroup(groupBefore, groupAfter)) {
+            Rect inside = visible;
+            if (groupAfter->clip) inside = inside.intersection(groupAfter->clip->rect);
+            compare(groupBefore->items, groupAfter->items, inside);
+        } else if (before != after) {
+            add(damage_, before.bounds.intersection(visible));
+            add(damage_, after.bounds.intersection(visible));
+        }
+    }
+
+    void compareByKeys(const std::vector<DisplayItem>& before, const std::vector<DisplayItem>& after,
+                       const Rect& visible) {
+        std::unordered_map<std::string_view, std::size_t> oldPlaces;
+        oldPlaces.reserve(before.size());
+        for (std::size_t i = 0; i < before.size(); ++i)
+            oldPlaces.emplace(before[i].key, i);
+
+        std::vector<bool> kept(before.size(), false);
+        // Items that both lists have must come in the same order: one that comes earlier than its old
+        // predecessors did is treated as new.
+        std::size_t nextOld = 0;
+        for (const DisplayItem& item : after) {
+            const auto found = oldPlaces.find(item.key);
+            if (found == oldPlaces.end() || found->second < nextOld) {
+                add(damage_, item.bounds.intersection(visible));
+                continue;
+            }
+            kept[found->second] = true;
+            nextOld = found->second + 1;
+            compare(before[found->second], item, visible);
+        }
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            if (!kept[i]) add(damage_, before[i].bounds.intersection(visible));
+        }
+    }
+
+    std::vector<Rect>& damage_;
+};
+
 }  // namespace
 
 std::vector<Rect> damageBetween(const DisplayList& before, const DisplayList& after) {
     const Rect everything{{}, after.size};
     if (before.size != after.size)
         return everything.isEmpty() ? std::vector<Rect>{} : std::vector{everything};
-
-    std::unordered_map<std::string_view, std::size_t> oldPlaces;
-    oldPlaces.reserve(before.items.size());
-    for (std::size_t i = 0; i < before.items.size(); ++i)
-        oldPlaces.emplace(before.items[i].key, i);
-
     std::vector<Rect> damage;
-    std::vector<bool> kept(before.items.size(), false);
-    // Items that both lists have must come in the same order: one that comes earlier than its old
-    // predecessors did is treated as new.
-    std::size_t nextOld = 0;
-    for (const DisplayItem& item : after.items) {
-        const auto found = oldPlaces.find(item.key);
-        const bool same =
-            found != oldPlaces.end() && found->second >= nextOld && before.items[found->second] == item;
-        if (same) {
-            kept[found->second] = true;
-            nextOld = found->second + 1;
-        } else {
-            add(damage, item.bounds.intersection(everything));
-        }
-    }
-    for (std::size_t i = 0; i < before.items.size(); ++i) {
-        if (!kept[i]) add(damage, before.items[i].bounds.intersection(everything));
-    }
+    Comparison(damage).compare(before.items, after.items, everything);
     return damage;
 }
 
