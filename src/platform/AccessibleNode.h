@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,7 +8,21 @@
 
 namespace norvane {
 
-enum class AccessibleRole { group, text, image, button };
+enum class AccessibleRole {
+    group,
+    text,
+    heading,
+    image,
+    button,
+    link,
+    toggle,       // a switch; `isOn` tells how it stands
+    radioButton,  // one choice of several; `isOn` tells whether it is the chosen one
+    spinButton,   // a number that goes up and down in steps
+    meter,        // a part of a whole: a bar, a ring
+    scrollArea,
+    separator,
+    progress,  // something is going on, nobody knows for how long
+};
 
 // What a surface tells those who do not see it, and the tests: a plain value.
 struct AccessibleNode {
@@ -18,6 +33,16 @@ struct AccessibleNode {
     // In the surface's own points.
     Rect frame;
     std::vector<AccessibleNode> children;
+    // The same thing keeps its key from one tree to the next.
+    std::string key = {};
+    // What can be done with it, by name: "press", "increment". Often nothing.
+    std::vector<std::string> actions = {};
+    // Absent for what is neither on nor off, neither open nor closed.
+    std::optional<bool> isOn = {};
+    std::optional<bool> isExpanded = {};
+    bool isEnabled = true;
+    // Whether it has the keyboard.
+    bool isFocused = false;
 
     bool operator==(const AccessibleNode&) const = default;
 };

@@ -4,7 +4,21 @@ namespace norvane {
 
 // A key pressed on a surface that has the keyboard.
 struct KeyEvent {
-    enum class Key { escape, tab, backTab, space, returnKey, up, down, left, right };
+    enum class Key {
+        escape,
+        tab,
+        backTab,
+        space,
+        returnKey,
+        up,
+        down,
+        left,
+        right,
+        pageUp,
+        pageDown,
+        home,
+        end,
+    };
 
     Key key = Key::escape;
 

@@ -6,6 +6,8 @@
 #include "platform/Dispatch.h"
 #include "platform/FileManager.h"
 #include "platform/HostPort.h"
+#include "platform/LoginItem.h"
+#include "platform/MainBundle.h"
 #include "platform/MonotonicClock.h"
 #include "platform/PowerSources.h"
 #include "platform/ProcessInfo.h"
@@ -17,6 +19,7 @@
 #include "platform/UUIDSource.h"
 #include "platform/WallClock.h"
 #include "platform/WindowServer.h"
+#include "platform/Workspace.h"
 
 namespace norvane {
 
@@ -34,6 +37,9 @@ struct Platform {
     FileManager& fileManager;
     UserNotificationCenter& userNotificationCenter;
     StandardOutput& standardOutput;
+    LoginItem& loginItem;
+    Workspace& workspace;
+    MainBundle& mainBundle;
     UserDefaults& userDefaults;
     UUIDSource& uuidSource;
     TextRuler& textRuler;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string_view>
 #include <utility>
 
 #include "drawing/DisplayList.h"
@@ -18,17 +19,28 @@ class SurfaceContent {
  public:
     virtual ~SurfaceContent() = default;
 
-    // The size that it would like, in points: finite, at least 0.
-    virtual Size fittingSize() = 0;
-    // Its picture at this time, laid out into exactly this size.
+    // It is about to be shown; and it is no longer shown. In between it lives.
+    virtual void appear() = 0;
+    virtual void disappear() = 0;
+
+    // The size that it would like where there is no more room than `most`, in points: finite, at least 0, not
+    // more than `most`.
+    virtual Size fittingSize(Size most) = 0;
+    // Its picture at this time, laid out into exactly this size. While it moves from one size to another the
+    // picture's own size is the one of this moment; it ends at the size asked for.
     virtual DisplayList displayList(Size size, MonotonicInstant at) = 0;
+    // How many pictures a second the last one is followed by without anything having changed; 0 where it
+    // stands still.
+    virtual double frameRate() const = 0;
     // The tree that goes with the last picture.
-    virtual AccessibleNode accessibleTree() const = 0;
+    virtual AccessibleNode accessibleTree() = 0;
 
     // Positions are those of the last picture.
     virtual void pointer(const PointerEvent& event) = 0;
     // Whether the key meant something here.
     virtual bool key(const KeyEvent& event) = 0;
+    // Does what the accessible node of that key offers under that name. False where there is none such.
+    virtual bool perform(std::string_view key, std::string_view action) = 0;
 
     // The surface that shows the content sets one handler and clears it when it no longer does.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }

@@ -67,10 +67,11 @@ TextMetrics FixedTextRuler::measure(std::string_view text, const TextStyle& styl
         wrapping.add(byte);
     wrapping.finish();
     const double lineHeight = style.font.size * 1.25;
+    const int lines = style.lineLimit > 0 ? std::min(wrapping.lines(), style.lineLimit) : wrapping.lines();
     return {.size = {static_cast<double>(wrapping.widest()) * character,
-                     wrapping.lines() * lineHeight + (wrapping.lines() - 1) * style.lineSpacing},
+                     lines * lineHeight + (lines - 1) * style.lineSpacing},
             .baseline = style.font.size,
-            .lines = wrapping.lines()};
+            .lines = lines};
 }
 
 }  // namespace norvane

@@ -9,7 +9,9 @@
 #include "platform/scripted/ScriptedDispatch.h"
 #include "platform/scripted/ScriptedFileManager.h"
 #include "platform/scripted/ScriptedHostPort.h"
+#include "platform/scripted/ScriptedLoginItem.h"
 #include "platform/scripted/ScriptedLoop.h"
+#include "platform/scripted/ScriptedMainBundle.h"
 #include "platform/scripted/ScriptedPowerSources.h"
 #include "platform/scripted/ScriptedProcessInfo.h"
 #include "platform/scripted/ScriptedRegistry.h"
@@ -20,6 +22,7 @@
 #include "platform/scripted/ScriptedUserNotificationCenter.h"
 #include "platform/scripted/ScriptedUUIDSource.h"
 #include "platform/scripted/ScriptedWindowServer.h"
+#include "platform/scripted/ScriptedWorkspace.h"
 
 namespace norvane {
 
@@ -27,7 +30,9 @@ namespace norvane {
 // run, and a day passes in a second. It stands behind every port and remembers what it was asked.
 class ScriptedMachine {
  public:
-    Platform platform() {
+    Platform platform() { return platform(textRuler); }
+    // With another way of measuring text, which outlives whoever asks the platform.
+    Platform platform(TextRuler& ruler) {
         return {.wallClock = time.wallClock(),
                 .monotonicClock = time.monotonicClock(),
                 .dispatch = dispatch,
@@ -39,9 +44,12 @@ class ScriptedMachine {
                 .fileManager = fileManager,
                 .userNotificationCenter = userNotificationCenter,
                 .standardOutput = standardOutput,
+                .loginItem = loginItem,
+                .workspace = workspace,
+                .mainBundle = mainBundle,
                 .userDefaults = userDefaults,
                 .uuidSource = uuidSource,
-                .textRuler = textRuler,
+                .textRuler = ruler,
                 .appearance = appearance,
                 .windowServer = windowServer,
                 .application = application};
@@ -68,12 +76,15 @@ class ScriptedMachine {
     ScriptedFileManager fileManager;
     ScriptedUserNotificationCenter userNotificationCenter{dispatch.backgroundQueue()};
     ScriptedStandardOutput standardOutput;
+    ScriptedLoginItem loginItem{dispatch.mainQueue()};
+    ScriptedWorkspace workspace;
+    ScriptedMainBundle mainBundle;
     ScriptedUserDefaults userDefaults{dispatch.mainQueue()};
     ScriptedUUIDSource uuidSource;
     FixedTextRuler textRuler;
     ScriptedAppearance appearance;
-    ScriptedWindowServer windowServer{time};
-    ScriptedApplication application;
+    ScriptedWindowServer windowServer{time, dispatch.mainQueue()};
+    ScriptedApplication application{dispatch.mainQueue()};
 };
 
 }  // namespace norvane

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/MainQueue.h"
 #include "platform/scripted/ScriptedTime.h"
 #include "platform/WindowServer.h"
 
@@ -16,7 +17,9 @@ class ScriptedPopoverWindow;
 // is made here can be found again, looked at and clicked.
 class ScriptedWindowServer final : public WindowServer {
  public:
-    explicit ScriptedWindowServer(const ScriptedTime& time) : time_(time) {}
+    // Both outlive the server.
+    ScriptedWindowServer(const ScriptedTime& time, MainQueue& mainQueue)
+        : time_(time), mainQueue_(mainQueue) {}
 
     std::unique_ptr<StatusItem> statusItemWithLength(double points) override;
     std::unique_ptr<PopoverWindow> makePopoverWindow(SurfaceContent& content,
@@ -31,6 +34,9 @@ class ScriptedWindowServer final : public WindowServer {
     double statusItemRightMargin = 0;
     // Whether a panel is running: without one the item has no button.
     bool hasPanel = true;
+
+    // Whether windows paint the frames that their contents wish for. Without, they paint what has changed.
+    bool runsFrames = false;
 
     // The status item as the user sees it. Asked without an item, there is nothing.
     double statusItemLength() const { return length_; }
@@ -53,6 +59,7 @@ class ScriptedWindowServer final : public WindowServer {
     friend class ScriptedPopoverWindow;
 
     const ScriptedTime& time_;
+    MainQueue& mainQueue_;
     double length_ = 0;
     bool hasItem_ = false;
     SurfaceContent* content_ = nullptr;
