@@ -4,6 +4,8 @@
 #include <span>
 
 #include "drawing/DisplayList.h"
+#include "platform/linux/DrawingCaches.h"
+#include "platform/linux/PixelPlacement.h"
 #include "platform/linux/PixelRect.h"
 #include "platform/linux/TextLayouts.h"
 
@@ -16,21 +18,20 @@ class CairoPainter {
     // The layouts outlive the painter.
     explicit CairoPainter(TextLayouts& layouts) : layouts_(layouts) {}
 
-    // Where on the surface a list is painted.
-    struct Placement {
-        double scale = 1;  // pixels per point
-        int x = 0;         // pixels from the surface's corner to the list's
-        int y = 0;
-    };
+    using Placement = PixelPlacement;
 
     // Clears the rectangles (pixels of the surface) and paints into them what the list has there. An item
     // touches nothing outside of its bounds, so that painting damage comes to the same as painting all (but
-    // for the last bit of a translucent pixel, which the image backend rounds by the length of its runs).
+    // for the last bits of translucent pixels, which the image backend rounds by the length of its runs).
     void paint(cairo_surface_t* surface, const Placement& placement, const DisplayList& list,
                std::span<const PixelRect> damage);
 
+    // What is kept from frame to frame; it may be cleared whenever nothing is being painted.
+    DrawingCaches& caches() { return caches_; }
+
  private:
     TextLayouts& layouts_;
+    DrawingCaches caches_;
 };
 
 }  // namespace norvane

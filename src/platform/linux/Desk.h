@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/Appearance.h"
+#include "platform/linux/DrawingMemory.h"
 #include "platform/linux/Keyboard.h"
 #include "platform/linux/OutsidePresses.h"
 #include "platform/linux/OwnWindows.h"
+#include "platform/linux/ScreenLight.h"
 #include "platform/linux/TextLayouts.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/X11Screen.h"
@@ -16,10 +18,12 @@ namespace norvane {
 struct Desk {
     X11Connection& connection;
     X11Screen& screen;
+    ScreenLight& light;
     OwnWindows& ownWindows;
     OutsidePresses& outsidePresses;
     Keyboard& keyboard;
     TextLayouts& layouts;
+    DrawingMemory& memory;
     Appearance& appearance;
     const MonotonicClock& clock;
     MainQueue& mainQueue;

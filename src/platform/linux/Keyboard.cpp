@@ -6,20 +6,35 @@ namespace norvane {
 namespace {
 
 // The values of <X11/keysymdef.h>.
+constexpr xcb_keysym_t kBackTab = 0xFE20;
+constexpr xcb_keysym_t kSpace = 0x20;
 constexpr xcb_keysym_t kTab = 0xFF09;
 constexpr xcb_keysym_t kReturn = 0xFF0D;
 constexpr xcb_keysym_t kEscape = 0xFF1B;
+constexpr xcb_keysym_t kHome = 0xFF50;
 constexpr xcb_keysym_t kLeft = 0xFF51;
 constexpr xcb_keysym_t kUp = 0xFF52;
 constexpr xcb_keysym_t kRight = 0xFF53;
 constexpr xcb_keysym_t kDown = 0xFF54;
+constexpr xcb_keysym_t kPageUp = 0xFF55;
+constexpr xcb_keysym_t kPageDown = 0xFF56;
+constexpr xcb_keysym_t kEnd = 0xFF57;
 constexpr xcb_keysym_t kKeypadEnter = 0xFF8D;
-constexpr xcb_keysym_t kBackTab = 0xFE20;
-constexpr xcb_keysym_t kSpace = 0x20;
+// From Home to End in the same order.
+constexpr xcb_keysym_t kKeypadHome = 0xFF95;
+constexpr xcb_keysym_t kKeypadEnd = 0xFF9C;
+
+bool isKeypadMotion(xcb_keysym_t symbol) {
+    return symbol >= kKeypadHome && symbol <= kKeypadEnd;
+}
 
 std::optional<KeyEvent::Key> keyFor(xcb_keysym_t symbol) {
     using Key = KeyEvent::Key;
-    switch (symbol) {
+    switch (isKeypadMotion(symbol) ? symbol - kKeypadHome + kHome : symbol) {
+        case kBackTab:
+            return Key::backTab;
+        case kSpace:
+            return Key::space;
         case kTab:
             return Key::tab;
         case kReturn:
@@ -27,6 +42,8 @@ std::optional<KeyEvent::Key> keyFor(xcb_keysym_t symbol) {
             return Key::returnKey;
         case kEscape:
             return Key::escape;
+        case kHome:
+            return Key::home;
         case kLeft:
             return Key::left;
         case kUp:
@@ -35,10 +52,12 @@ std::optional<KeyEvent::Key> keyFor(xcb_keysym_t symbol) {
             return Key::right;
         case kDown:
             return Key::down;
-        case kBackTab:
-            return Key::backTab;
-        case kSpace:
-            return Key::space;
+        case kPageUp:
+            return Key::pageUp;
+        case kPageDown:
+            return Key::pageDown;
+        case kEnd:
+            return Key::end;
         default:
             return std::nullopt;
     }
@@ -62,6 +81,8 @@ std::optional<KeyEvent> Keyboard::keyOf(const xcb_key_press_event_t& press) {
     if (columns_ == 0 || at >= symbols_.size()) return std::nullopt;
     // None of these keys differs between layouts: the unshifted symbol names it.
     auto key = keyFor(symbols_[at]);
+    // With the keypad locked to digits, which is what the second modifier says everywhere, it types those.
+    if (isKeypadMotion(symbols_[at]) && (press.state & XCB_MOD_MASK_2) != 0) return std::nullopt;
     if (!key) return std::nullopt;
     if (*key == KeyEvent::Key::tab && (press.state & XCB_MOD_MASK_SHIFT) != 0) key = KeyEvent::Key::backTab;
     return KeyEvent{*key};

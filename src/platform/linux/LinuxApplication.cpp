@@ -47,6 +47,10 @@ LinuxApplication::~LinuxApplication() {
     g_main_loop_unref(loop_);
 }
 
+void LinuxApplication::activateIgnoringOtherApps() {
+    mainQueue_.async([this] { didBecomeActive_.tell(); });
+}
+
 int LinuxApplication::run() {
     if (!isTerminated_) g_main_loop_run(loop_);
     return EXIT_SUCCESS;

@@ -6,6 +6,7 @@
 #include "platform/Application.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/LinuxMainQueue.h"
+#include "platform/Observers.h"
 
 namespace norvane {
 
@@ -25,13 +26,20 @@ class LinuxApplication final : public Application {
     int run();
 
     void terminate() override;
-    // Nothing to do: each of our windows comes to the front, and asks for the keyboard, when it is shown.
-    void activateIgnoringOtherApps() override {}
+    // Nothing to do: none of our windows is one that a task bar or a switcher lists.
+    void setActivationPolicy(ActivationPolicy) override {}
+    // Each of our windows comes to the front, and asks for the keyboard, when it is shown; so all there is to
+    // do is to tell.
+    void activateIgnoringOtherApps() override;
+    Cancellation onDidBecomeActive(std::function<void()> observer) override {
+        return didBecomeActive_.add(std::move(observer));
+    }
 
  private:
     static gboolean signalCame(gint descriptor, GIOCondition condition, gpointer application);
 
     LinuxMainQueue& mainQueue_;
+    Observers<> didBecomeActive_;
     GMainLoop* loop_;
     bool isTerminated_ = false;
     FileDescriptor signals_;  // a signalfd

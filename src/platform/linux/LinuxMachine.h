@@ -7,6 +7,8 @@
 #include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxDispatch.h"
 #include "platform/linux/LinuxKernel.h"
+#include "platform/linux/LinuxLoginItem.h"
+#include "platform/linux/LinuxMainBundle.h"
 #include "platform/linux/LinuxMonotonicClock.h"
 #include "platform/linux/LinuxPowerProfile.h"
 #include "platform/linux/LinuxStandardOutput.h"
@@ -14,6 +16,7 @@
 #include "platform/linux/LinuxUserNotificationCenter.h"
 #include "platform/linux/LinuxUUIDSource.h"
 #include "platform/linux/LinuxWallClock.h"
+#include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/PangoTextRuler.h"
 #include "platform/linux/TextLayouts.h"
 #include "platform/linux/ThreadLane.h"
@@ -51,6 +54,10 @@ class LinuxMachine {
                                     std::make_unique<ThreadLane>("power profile"), kernel_.lowPowerMode()};
     LinuxUserNotificationCenter userNotificationCenter_{dispatch_.mainQueue(), sessionBus_};
     LinuxStandardOutput standardOutput_;
+    LinuxLoginItem loginItem_{dispatch_.mainQueue(), dispatch_.backgroundQueue(),
+                              AutostartSurroundings::own(), LinuxLoginItem::runningProgram()};
+    LinuxWorkspace workspace_{sessionBus_, dispatch_.backgroundQueue()};
+    LinuxMainBundle mainBundle_;
     LinuxAppearance appearance_{sessionBus_};
     std::unique_ptr<X11Connection> connection_;
     TextLayouts textLayouts_;

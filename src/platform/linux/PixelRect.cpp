@@ -26,6 +26,13 @@ PixelRect PixelRect::intersection(const PixelRect& other) const {
     return {left, top, right - left, bottom - top};
 }
 
+PixelRect PixelRect::united(const PixelRect& other) const {
+    const int left = std::min(x, other.x);
+    const int top = std::min(y, other.y);
+    return {left, top, std::max(x + width, other.x + other.width) - left,
+            std::max(y + height, other.y + other.height) - top};
+}
+
 Rect PixelRect::inPoints(double scale) const {
     return {{x / scale, y / scale}, {width / scale, height / scale}};
 }

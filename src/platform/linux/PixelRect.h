@@ -17,6 +17,8 @@ struct PixelRect {
     }
     // The common part; empty where there is none.
     PixelRect intersection(const PixelRect& other) const;
+    // The smallest rectangle around both, neither of which is empty.
+    PixelRect united(const PixelRect& other) const;
     PixelRect moved(int dx, int dy) const { return {x + dx, y + dy, width, height}; }
     // In points at that scale.
     Rect inPoints(double scale) const;

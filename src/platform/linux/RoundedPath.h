@@ -10,4 +10,7 @@ namespace norvane {
 // the shorter side; of an empty shape, or one with a coordinate that is not finite, there is no outline.
 void addRoundedPath(cairo_t* context, const RoundedRect& shape);
 
+// How far along its edges the corners of such a rectangle reach.
+double cornerReach(const RoundedRect& shape);
+
 }  // namespace norvane

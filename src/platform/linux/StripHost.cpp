@@ -28,15 +28,20 @@ constexpr std::uint32_t kOnAllDesktops = 0xFFFFFFFF;
 }  // namespace
 
 StripHost::StripHost(const Desk& desk, std::function<void()> clicked)
-    : desk_(desk), clicked_(std::move(clicked)), surface_(desk.connection, desk.layouts) {
+    : desk_(desk),
+      clicked_(std::move(clicked)),
+      surface_(desk.connection, desk.layouts),
+      frames_(desk.mainQueue, desk.clock, desk.light, [this] { update(); }) {
     appearance_ = desk_.appearance.onDidChange([this] { updateSoon(); });
     screen_ = desk_.screen.onDidChange([this] { updateSoon(); });
+    dropMemory_ = desk_.memory.onDrop([this] { surface_.dropCaches(); });
     updateSoon();
 }
 
 StripHost::~StripHost() {
     setContent(nullptr);
     update_.cancel();
+    frames_.stop();
     events_.cancel();
     surface_.release();
     if (window_ != XCB_NONE) {
@@ -130,13 +135,12 @@ void StripHost::reserveRow() {
 
 void StripHost::updateSoon() {
     if (std::exchange(isUpdateDue_, true)) return;
-    update_ = desk_.mainQueue.after(0ns, [this] {
-        isUpdateDue_ = false;
-        update();
-    });
+    update_ = desk_.mainQueue.after(0ns, [this] { update(); });
 }
 
 void StripHost::update() {
+    update_.cancel();
+    isUpdateDue_ = false;
     if (!desk_.connection.isAlive()) return;
     xcb_connection_t* const server = desk_.connection.get();
     const PixelRect wanted = wantedFrame();
@@ -157,35 +161,41 @@ void StripHost::update() {
         }
         reserveRow();
     }
-    if (visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) return;  // painted once it can be seen
+    const bool isTakenOff = isOffered_ && offerAgain_;
+    if (isTakenOff || visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) {
+        frames_.stop();
+        return;  // painted once it can be seen
+    }
+    if (frames_.isHeld() || !surface_.isReady()) return;
     surface_.prepare({.window = window_,
                       .visual = desk_.connection.opaqueVisual(),
                       .width = asked_.width,
-                      .height = asked_.height,
-                      .placement = {.scale = desk_.screen.scale()}});
-    if (!surface_.paint(picture())) return;  // again when the server is done
+                      .height = asked_.height});
+    const MonotonicInstant at = desk_.clock.now();
+    surface_.paint(picture(at), {.scale = desk_.screen.scale()});
     if (!std::exchange(isOffered_, true)) {
         xcb_map_window(server, window_);
         shown_ = desk_.ownWindows.add(window_, frame_);
     }
     surface_.present();
+    frames_.painted(at, content_ != nullptr ? content_->frameRate() : 0);
 }
 
-DisplayList StripHost::picture() const {
+DisplayList StripHost::picture(MonotonicInstant at) const {
     const double scale = desk_.screen.scale();
     const PanelTones& tones = panelTones(desk_.appearance.isDark());
     const Size size{asked_.width / scale, asked_.height / scale};
     DisplayList list;
     list.size = size;
     const auto fill = [&list](const char* key, const Rect& rect, const Color& color) {
-        list.items.push_back({key, rect, FillShape{{rect, 0}, color}});
+        list.items.push_back({key, rect, FillShape{RoundedRect{rect, 0}, color}});
     };
     fill("//strip", {{}, size}, tones.strip);
     const double hair = 1 / scale;
     fill("//bottom edge", {{0, size.height - hair}, {size.width, hair}}, tones.stripEdge);
     fill("//left edge", {{0, 0}, {hair, size.height - hair}}, tones.stripEdge);
     if (content_ != nullptr) {
-        DisplayList content = content_->displayList({length_, kHeight}, desk_.clock.now());
+        DisplayList content = content_->displayList({length_, kHeight}, at);
         list.items.insert(list.items.end(), std::make_move_iterator(content.items.begin()),
                           std::make_move_iterator(content.items.end()));
     }
@@ -203,11 +213,13 @@ void StripHost::handle(const xcb_generic_event_t& event) {
         case XCB_VISIBILITY_NOTIFY: {
             const int before =
                 std::exchange(visibility_, eventAs<xcb_visibility_notify_event_t>(event).state);
+            if (visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) frames_.stop();
             if (before == XCB_VISIBILITY_FULLY_OBSCURED && visibility_ != before) updateSoon();
             if (visibility_ != XCB_VISIBILITY_UNOBSCURED) comeBackSoon();
             return;
         }
         case XCB_MAP_NOTIFY:
+            if (offerAgain_) updateSoon();
             offerAgain_.cancel();
             return;
         case XCB_DESTROY_NOTIFY:
@@ -250,6 +262,7 @@ void StripHost::followPlace(const xcb_configure_notify_event_t& event) {
 // Somebody took it off the screen: without it there is no way to us. A window manager that adopts it shows it
 // again by itself; whoever else did it is not fought with.
 void StripHost::offerAgainLater() {
+    frames_.stop();
     offerAgain_ = desk_.mainQueue.after(kOfferAgain, [this] {
         shown_.cancel();
         isOffered_ = false;

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "platform/linux/Desk.h"
+#include "platform/linux/FrameClock.h"
 #include "platform/linux/StatusItemHost.h"
 #include "platform/linux/X11Surface.h"
 
@@ -28,7 +29,7 @@ class StripHost final : public StatusItemHost {
     void reserveRow();
     void updateSoon();
     void update();
-    DisplayList picture() const;
+    DisplayList picture(MonotonicInstant at) const;
     void handle(const xcb_generic_event_t& event);
     void followPlace(const xcb_configure_notify_event_t& event);
     void offerAgainLater();
@@ -47,6 +48,7 @@ class StripHost final : public StatusItemHost {
     bool isReparented_ = false;
     int visibility_ = XCB_VISIBILITY_UNOBSCURED;
     X11Surface surface_;
+    FrameClock frames_;
 
     // Coming back waits longer each time, until it was left alone for a while: two windows that both want to
     // be in front do not flicker.
@@ -62,6 +64,7 @@ class StripHost final : public StatusItemHost {
     Cancellation shown_;
     Cancellation appearance_;
     Cancellation screen_;
+    Cancellation dropMemory_;
 };
 
 }  // namespace norvane

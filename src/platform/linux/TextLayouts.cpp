@@ -23,6 +23,11 @@ constexpr double kLargestLineSpacing = 1000;
 // From this scale on, stems fall well enough between the pixels without hints.
 constexpr double kFinePixels = 1.5;
 
+// A text is not set on more lines than this: each line costs as much as all that follows it.
+constexpr std::size_t kMostLines = 256;
+// Of the font's size: no letter that makes up a text is narrower.
+constexpr double kNarrowestLetter = 0.2;
+
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 
@@ -116,6 +121,13 @@ void clip(std::string& text, std::size_t characters) {
     text += kEllipsis;
 }
 
+// How many characters of a text are set in lines of that many of Pango's units.
+std::size_t mostCharacters(double fontSize, int width) {
+    if (width < 0) return TextLayouts::kLongestText;
+    const double perLine = pango_units_to_double(width) / (kNarrowestLetter * fontSize);
+    return kMostLines * (static_cast<std::size_t>(std::max(perLine, 0.0)) + 1);
+}
+
 bool hasPictures(PangoFont* font) {
     hb_face_t* const face = hb_font_get_face(pango_font_get_hb_font(font));
     return hb_ot_color_has_png(face) || hb_ot_color_has_layers(face) || hb_ot_color_has_svg(face);
@@ -143,6 +155,7 @@ std::size_t TextLayouts::KeyHash::operator()(const Key& key) const {
     mix(static_cast<std::size_t>(font.weight) * 16 + static_cast<std::size_t>(font.design) * 8 +
         static_cast<std::size_t>(font.monospacedDigits) * 4 + static_cast<std::size_t>(key.style.alignment));
     mix(static_cast<std::size_t>(key.width));
+    mix(static_cast<std::size_t>(key.style.lineLimit));
     return hash;
 }
 
@@ -167,6 +180,7 @@ PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, 
     TextStyle bounds = style;
     bounds.font.size = bounded(style.font.size, kSmallestFont, kLargestFont, Font{}.size);
     bounds.lineSpacing = bounded(style.lineSpacing, 0, kLargestLineSpacing, 0);
+    bounds.lineLimit = std::max(style.lineLimit, 0);
     const int units = layoutWidth(width);
 
     const auto found = places_.find(Key{text, bounds, units});
@@ -252,9 +266,34 @@ GObjectPointer<PangoLayout> TextLayouts::set(std::string_view text, const TextSt
     pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
     pango_layout_set_width(layout.get(), width);
     std::string shown = displayable(text);
-    clip(shown, kLongestText);
+    clip(shown, std::min(kLongestText, mostCharacters(style.font.size, width)));
     pango_layout_set_text(layout.get(), shown.data(), static_cast<int>(shown.size()));
+    if (style.lineLimit > 0) limitLines(layout.get(), style.lineLimit);
     return layout;
+}
+
+// Pango limits the lines of each paragraph only. So the lines that stay become a paragraph each, of one line,
+// and all that follows them in the last one's own paragraph is left to be shortened to the width.
+void TextLayouts::limitLines(PangoLayout* layout, int most) {
+    if (pango_layout_get_line_count(layout) <= most) return;
+    const std::string_view text = pango_layout_get_text(layout);
+    std::string kept;
+    const GSList* line = pango_layout_get_lines_readonly(layout);
+    for (int i = 1; i < most; ++i, line = line->next) {
+        const auto* const whole = static_cast<const PangoLayoutLine*>(line->data);
+        std::string_view words = text.substr(static_cast<std::size_t>(whole->start_index),
+                                             static_cast<std::size_t>(whole->length));
+        while (!words.empty() && words.back() == ' ')
+            words.remove_suffix(1);
+        kept.append(words) += '\n';
+    }
+    const auto start = static_cast<std::size_t>(static_cast<const PangoLayoutLine*>(line->data)->start_index);
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    kept.append(text.substr(start, end - start));
+    if (text.find_first_not_of("\n ", end) != std::string_view::npos) kept += kEllipsis;
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    pango_layout_set_height(layout, -1);
+    pango_layout_set_text(layout, kept.data(), static_cast<int>(kept.size()));
 }
 
 }  // namespace norvane

@@ -27,7 +27,8 @@ class TextLayouts {
     // The text in that style, wrapped to `width` points. A width that is not a number or infinite does not
     // wrap, a negative one is 0. Any bytes may be given: what is not UTF-8, and control characters, become
     // replacement characters, other line breaks than line feeds become spaces, and a text of more than
-    // `kLongestText` characters ends in an ellipsis there. The layout is valid until the next call.
+    // `kLongestText` characters ends in an ellipsis there. A line limit counts all lines of the text,
+    // whatever broke them; a negative one is none. The layout is valid until the next call.
     PangoLayout* layout(std::string_view text, const TextStyle& style, double width);
 
     // How texts are rasterised at a scale of the screen: with slight hinting where pixels are large, with
@@ -73,6 +74,7 @@ class TextLayouts {
 
     PangoContext* context();
     GObjectPointer<PangoLayout> set(std::string_view text, const TextStyle& style, int width);
+    static void limitLines(PangoLayout* layout, int most);
 
     GObjectPointer<PangoFontMap> fontMap_;
     GObjectPointer<PangoContext> context_;

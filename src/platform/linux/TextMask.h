@@ -9,9 +9,10 @@ namespace norvane {
 // The coverage of a set text's pixels, for one way to put it on the pixel grid.
 struct TextMask {
     struct Grid {
-        double scale = 1;     // pixels per point
-        double condense = 1;  // narrowed about the left edge by
-        double x = 0;         // where in its pixel the text's corner is, 0 to below 1
+        double scale = 1;   // pixels per point
+        double scaleX = 1;  // of the text itself, about its corner
+        double scaleY = 1;
+        double x = 0;  // where in its pixel the text's corner is, 0 to below 1
         double y = 0;
 
         bool operator==(const Grid&) const = default;

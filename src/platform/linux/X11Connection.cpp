@@ -2,7 +2,9 @@
 
 #include <glib.h>
 #include <sys/socket.h>
+#include <xcb/dpms.h>
 #include <xcb/randr.h>
+#include <xcb/screensaver.h>
 #include <xcb/shape.h>
 #include <xcb/shm.h>
 #include <xcb/xcbext.h>
@@ -89,6 +91,7 @@ std::unique_ptr<X11Connection> X11Connection::open(const char* display, const Us
     if (!opened->introduce(screenNumber)) return nullptr;
     if (!uses.shm) opened->shm_ = {};
     if (!uses.input) opened->input_ = {};
+    if (!uses.shape) opened->shape_ = {};
     opened->listen();
     return opened;
 }
@@ -103,7 +106,8 @@ X11Connection::~X11Connection() {
 
 // Two exchanges with the server, however much there is to ask.
 bool X11Connection::introduce(int screenNumber) {
-    for (xcb_extension_t* id : {&xcb_shm_id, &xcb_input_id, &xcb_randr_id, &xcb_shape_id, &xcb_xfixes_id}) {
+    for (xcb_extension_t* id : {&xcb_shm_id, &xcb_input_id, &xcb_randr_id, &xcb_shape_id, &xcb_xfixes_id,
+                                &xcb_dpms_id, &xcb_screensaver_id}) {
         xcb_prefetch_extension_data(connection_, id);
     }
     if (!atoms_.intern(connection_, screenNumber)) return false;
@@ -113,6 +117,8 @@ bool X11Connection::introduce(int screenNumber) {
     randr_ = extensionOf(connection_, xcb_randr_id);
     shape_ = extensionOf(connection_, xcb_shape_id);
     fixes_ = extensionOf(connection_, xcb_xfixes_id);
+    dpms_ = extensionOf(connection_, xcb_dpms_id);
+    saver_ = extensionOf(connection_, xcb_screensaver_id);
     xcb_shm_query_version_cookie_t shm{};
     xcb_input_xi_query_version_cookie_t input{};
     xcb_randr_query_version_cookie_t randr{};

@@ -25,12 +25,13 @@ class X11Connection {
     struct Uses {
         bool shm = true;
         bool input = true;
+        bool shape = true;
     };
 
     // Connects to the named display, or to the one that DISPLAY names. Null where there is none, where it
     // does not let us in, or where its screen has no visual with 8 bits for each colour.
     static std::unique_ptr<X11Connection> open(const char* display = nullptr) {
-        return open(display, {.shm = true, .input = true});
+        return open(display, {.shm = true, .input = true, .shape = true});
     }
     static std::unique_ptr<X11Connection> open(const char* display, const Uses& uses);
     ~X11Connection();
@@ -64,6 +65,8 @@ class X11Connection {
     const Extension& randr() const { return randr_; }  // with monitors (1.5)
     const Extension& shape() const { return shape_; }
     const Extension& fixes() const { return fixes_; }
+    const Extension& dpms() const { return dpms_; }    // the display's power
+    const Extension& saver() const { return saver_; }  // news of the screen saver
 
     // Whether the server's images have our byte order.
     bool hasOurByteOrder() const { return hasOurByteOrder_; }
@@ -104,6 +107,8 @@ class X11Connection {
     Extension randr_;
     Extension shape_;
     Extension fixes_;
+    Extension dpms_;
+    Extension saver_;
     bool hasOurByteOrder_ = true;
     Source* source_ = nullptr;
     X11Reply<xcb_generic_event_t> next_;  // taken from XCB's queue, not delivered yet

@@ -1,6 +1,10 @@
 #pragma once
 
 #include "platform/linux/Desk.h"
+#include "platform/linux/FrameClock.h"
+#include "platform/linux/PopoverFocus.h"
+#include "platform/linux/PopoverPlace.h"
+#include "platform/linux/PopoverShape.h"
 #include "platform/linux/X11Surface.h"
 #include "platform/PopoverWindow.h"
 #include "platform/PopoverWindowObserver.h"
@@ -18,73 +22,80 @@ class X11PopoverWindow final : public PopoverWindow {
     X11PopoverWindow(const Desk& desk, SurfaceContent& content, PopoverWindowObserver& observer);
     ~X11PopoverWindow() override;
 
-    void place(Point topLeft) override;
+    void place(const Rect& anchor) override;
     void orderFront() override;
-    void makeKeyWindow() override;
+    void makeKeyWindow() override { focus_.want(); }
     void orderOut() override;
-    Rect frame() const override { return {topLeft_, size_}; }
+    Rect frame() const override { return place_.frame(size_); }
     void setFrame(const Rect& frame) override;
     std::optional<Rect> visibleFrame() const override;
 
  private:
     enum class Stage { out, placed, shown };
+    struct Extent {
+        int width = 1;
+        int height = 1;
 
-    // The panel's place on the screen, and the window's, which has room for the shadow around it.
-    PixelRect panelFrame() const;
-    PixelRect windowFrame() const;
-    int margin() const;
+        bool operator==(const Extent&) const = default;
+    };
 
+    // What is asked of the content, and what of it there is on the screen, in whole pixels.
     void measure();
+    Extent pixelsOf(Size size) const;
+    // Makes room in the window for a panel of this size, on its way to the one that was asked for.
+    void makeRoomFor(Size panel);
+    int margin() const;
+    // Of the window and of the panel in it, on the screen.
+    PixelRect windowFrame() const;
+    PixelRect panelFrame() const;
+    PixelRect frameOf(Extent extent) const;
+    PopoverShape shape() const;
+
     void createWindow();
     void destroyWindow();
-    // Gets pixels for the size and scale of now; the window itself follows in `settle`, so that what it grew
-    // by is painted before it can be seen.
-    void form();
+    // Has the server know about the window's place and shape. What it grows by has been painted before.
     void settle();
     void cutShape();
     void adapt();
 
+    bool canBeSeen() const;
     void repaintSoon();
     void repaint();
-    bool paint();
-    DisplayList picture();
+    void paint();
 
     void handle(const xcb_generic_event_t& event);
-    void pointer(PointerEvent::Kind kind, int x, int y);
+    void pointer(PointerEvent::Kind kind, int rootX, int rootY, Point by = {});
     void pressed(const xcb_button_press_event_t& event);
     void keyPressed(const xcb_key_press_event_t& event);
-    void focusLeft(const xcb_focus_out_event_t& event);
-    bool isUnder(const xcb_query_pointer_reply_t& pointer, xcb_window_t window) const;
-    void stayOnScreen();
-    void askForTheTime();
-    void takeFocus(xcb_timestamp_t time);
-    void giveFocusBack();
     void holdPointer(int attempts);
 
     Desk desk_;
     SurfaceContent& content_;
     PopoverWindowObserver& observer_;
     Stage stage_ = Stage::out;
-    Point topLeft_;
-    Size size_;
+    PopoverPlace place_;
+    Size size_;     // what the content would like to have
+    Extent panel_;  // what it has at this moment
+    Extent room_;   // what the window has room for
 
     xcb_window_t window_ = XCB_NONE;
     bool isTranslucent_ = false;
-    PixelRect formed_;  // what the window was made or configured to
+    PixelRect formed_;      // what the window was made or configured to
+    PopoverShape cut_;      // what the server was told last
+    PopoverShape painted_;  // what the pixels were finished to
     X11Surface surface_;
+    FrameClock frames_;
     int visibility_ = XCB_VISIBILITY_UNOBSCURED;
+    bool isUnmapped_ = false;  // by somebody else
     bool isPointerInside_ = false;
-
-    bool isMapped_ = false;
-    bool wantsFocus_ = false;
-    bool hasFocus_ = false;
-    xcb_window_t focusBefore_ = XCB_INPUT_FOCUS_POINTER_ROOT;
-    xcb_timestamp_t focusTime_ = XCB_CURRENT_TIME;
+    PopoverFocus focus_{desk_};
 
     bool isRepaintDue_ = false;
     Cancellation repaint_;
     Cancellation events_;
     Cancellation shown_;
+    Cancellation keptMemory_;
+    Cancellation dropMemory_;
     Cancellation outsidePresses_;
     Cancellation holdPointer_;
     Cancellation appearance_;

@@ -72,10 +72,18 @@ bool X11Screen::isPrimaryAtTop() const {
     });
 }
 
+PixelRect X11Screen::monitorPixels(Point at) const {
+    const Monitor* const monitor = monitorAt(monitors_, pixelsAt(at.x, scale_), pixelsAt(at.y, scale_));
+    return monitor != nullptr ? monitor->frame : bounds_;
+}
+
+Rect X11Screen::monitorFrame(Point at) const {
+    return monitorPixels(at).inPoints(scale_);
+}
+
 std::optional<Rect> X11Screen::visibleFrame(Point at) const {
     if (!connection_.isAlive()) return std::nullopt;
-    const Monitor* const monitor = monitorAt(monitors_, pixelsAt(at.x, scale_), pixelsAt(at.y, scale_));
-    const PixelRect whole = monitor != nullptr ? monitor->frame : bounds_;
+    const PixelRect whole = monitorPixels(at);
     // There is one work area for all monitors: it may well miss this one.
     const PixelRect free = workArea_ ? whole.intersection(*workArea_) : whole;
     return (free.isEmpty() ? whole : free).inPoints(scale_);

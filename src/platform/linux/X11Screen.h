@@ -26,6 +26,8 @@ class X11Screen {
     bool isPrimaryAtTop() const;
     // In points: what panels leave free of the smallest monitor at that place. None once the server is gone.
     std::optional<Rect> visibleFrame(Point at) const;
+    // In points: the smallest monitor at that place, or the nearest one.
+    Rect monitorFrame(Point at) const;
     // The whole screen, in pixels from 0,0.
     PixelRect bounds() const { return bounds_; }
     // Whether windows may be translucent.
@@ -45,6 +47,7 @@ class X11Screen {
         bool monitors = false;
         bool compositor = false;
     };
+    PixelRect monitorPixels(Point at) const;
     void handle(const xcb_generic_event_t& event);
     // Asks anew, in one exchange, and tells if an answer differs.
     void ask(const Questions& questions);

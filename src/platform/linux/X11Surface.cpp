@@ -6,13 +6,32 @@
 #include "platform/linux/X11Event.h"
 
 namespace norvane {
+namespace {
 
-void X11Surface::prepare(const Form& form, Finish finish) {
-    finish_ = std::move(finish);
+// Parts that do not overlap in points may do so in pixels.
+void addApart(std::vector<PixelRect>& parts, PixelRect part) {
+    for (std::size_t i = 0; i < parts.size();) {
+        if (parts[i].intersection(part).isEmpty()) {
+            ++i;
+            continue;
+        }
+        part = part.united(parts[i]);
+        parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(i));
+        i = 0;  // the larger one may reach others that were passed over
+    }
+    parts.push_back(part);
+}
+
+}  // namespace
+
+bool X11Surface::isReady() {
+    isPutOff_ = store_ && store_->isBusy();
+    return !isPutOff_;
+}
+
+void X11Surface::prepare(const Form& form) {
     const bool isSame = store_ && form.window == form_.window && form.visual.id == form_.visual.id &&
-                        form.width == form_.width && form.height == form_.height &&
-                        form.placement.scale == form_.placement.scale &&
-                        form.placement.x == form_.placement.x && form.placement.y == form_.placement.y;
+                        form.width == form_.width && form.height == form_.height;
     if (isSame) return;
     release();
     form_ = form;
@@ -27,30 +46,33 @@ void X11Surface::release() {
     painted_.clear();
 }
 
-bool X11Surface::paint(DisplayList picture) {
-    if (!store_) return true;
-    if (store_->isBusy()) {
-        isPutOff_ = true;
-        return false;
-    }
+std::vector<PixelRect> X11Surface::damageOf(const DisplayList& picture,
+                                            const CairoPainter::Placement& placement,
+                                            std::span<const PixelRect> more) const {
+    if (!hasPicture_ || picture.size != picture_.size || placement != placement_) return {store_->bounds()};
     std::vector<PixelRect> damage;
-    if (hasPicture_ && picture.size == picture_.size) {
-        for (const Rect& rect : damageBetween(picture_, picture)) {
-            const PixelRect pixels = pixelsCovering(rect, form_.placement.scale)
-                                         .moved(form_.placement.x, form_.placement.y)
-                                         .intersection(store_->bounds());
-            if (!pixels.isEmpty()) damage.push_back(pixels);
-        }
-    } else {
-        damage.push_back(store_->bounds());
-    }
+    const auto add = [&](const PixelRect& pixels) {
+        const PixelRect inside = pixels.intersection(store_->bounds());
+        if (!inside.isEmpty()) addApart(damage, inside);
+    };
+    for (const Rect& rect : damageBetween(picture_, picture))
+        add(pixelsCovering(rect, placement.scale).moved(placement.x, placement.y));
+    for (const PixelRect& part : more)
+        add(part);
+    return damage;
+}
+
+void X11Surface::paint(DisplayList picture, const CairoPainter::Placement& placement,
+                       std::span<const PixelRect> more, const Finish& finish) {
+    if (!store_) return;
+    const std::vector<PixelRect> damage = damageOf(picture, placement, more);
     picture_ = std::move(picture);
+    placement_ = placement;
     hasPicture_ = true;
-    if (damage.empty()) return true;
-    painter_.paint(store_->image(), form_.placement, picture_, damage);
-    if (finish_) finish_(store_->image(), damage);
+    if (damage.empty()) return;
+    painter_.paint(store_->image(), placement_, picture_, damage);
+    if (finish) finish(store_->image(), damage);
     painted_.insert(painted_.end(), damage.begin(), damage.end());
-    return true;
 }
 
 void X11Surface::present() {

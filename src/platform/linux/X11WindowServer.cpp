@@ -11,10 +11,12 @@ namespace norvane {
 X11WindowServer::X11WindowServer(X11Connection& connection, TextLayouts& layouts, Appearance& appearance,
                                  const MonotonicClock& clock, MainQueue& mainQueue)
     : screen_(connection),
+      light_(connection, clock, mainQueue),
       outsidePresses_(connection, ownWindows_),
       keyboard_(connection),
-      desk_{connection, screen_,    ownWindows_, outsidePresses_, keyboard_,
-            layouts,    appearance, clock,       mainQueue} {}
+      memory_(layouts, mainQueue),
+      desk_{connection, screen_, light_,     ownWindows_, outsidePresses_, keyboard_,
+            layouts,    memory_, appearance, clock,       mainQueue} {}
 
 std::unique_ptr<StatusItem> X11WindowServer::statusItemWithLength(double points) {
     return std::make_unique<LinuxStatusItem>(points, [this](std::function<void()> clicked) {

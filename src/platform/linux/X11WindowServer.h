@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/Desk.h"
+#include "platform/linux/X11ScreenLight.h"
 #include "platform/WindowServer.h"
 
 namespace norvane {
@@ -18,9 +19,11 @@ class X11WindowServer final : public WindowServer {
 
  private:
     X11Screen screen_;
+    X11ScreenLight light_;
     OwnWindows ownWindows_;
     OutsidePresses outsidePresses_;
     Keyboard keyboard_;
+    DrawingMemory memory_;
     Desk desk_;
 };
 
