@@ -3,30 +3,42 @@
 #include <memory>
 #include <utility>
 
-#include "views/WrappingNode.h"
+#include "drawing/Contrast.h"
+#include "views/ButtonNode.h"
+#include "views/ShapeElement.h"
+#include "views/Text.h"
 
 namespace norvane {
 namespace {
 
-class ButtonNode final : public WrappingNode {
- public:
-    ButtonNode(NodePointer label, std::function<void()> action)
-        : WrappingNode(std::move(label)), action_(std::move(action)) {}
-
-    void build(SceneBuilder& scene) const override {
-        scene.sense(frame(), action_, nullptr);
-        WrappingNode::build(scene);
-    }
-
- private:
-    std::function<void()> action_;
-};
+// The large size of a control, in points.
+constexpr Insets kProminentPadding{.top = 7, .left = 16, .bottom = 7, .right = 16};
+constexpr double kProminentRadius = 8;
+constexpr TextStyle kProminentText{.font = {.size = 14, .weight = FontWeight::medium},
+                                   .alignment = TextAlignment::center};
+constexpr Color kBlack{0, 0, 0, 1};
+constexpr Color kWhite{1, 1, 1, 1};
 
 }  // namespace
 
-Element button(std::string name, Element label, std::function<void()> action) {
-    Element plain(std::make_unique<ButtonNode>(std::move(label).take(), std::move(action)));
-    return std::move(plain).accessible(AccessibleRole::button, std::move(name));
+Element button(Accessible told, Element label, std::function<void()> action, const ButtonOptions& options) {
+    return Element(
+        std::make_unique<ButtonNode>(std::move(label), std::move(told), std::move(action), options));
+}
+
+Element button(std::string name, Element label, std::function<void()> action, const ButtonOptions& options) {
+    return button(Accessible{.role = AccessibleRole::button, .name = std::move(name)}, std::move(label),
+                  std::move(action), options);
+}
+
+Element prominentButton(std::string label, double minLabelWidth, const Color& tint,
+                        std::function<void()> action) {
+    const bool isDarkBetter = contrastBetween(tint, kBlack) >= contrastBetween(tint, kWhite);
+    Element shown = text(label, kProminentText, isDarkBetter ? kBlack : kWhite)
+                        .frame({.minWidth = minLabelWidth})
+                        .padding(kProminentPadding)
+                        .background(shape(Outline::roundedRectangle(kProminentRadius), {.fill = tint}));
+    return button(std::move(label), std::move(shown), std::move(action), {.radius = kProminentRadius});
 }
 
 }  // namespace norvane

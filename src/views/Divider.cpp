@@ -8,15 +8,11 @@ namespace norvane {
 namespace {
 
 class DividerNode final : public Node {
- public:
-    Size measure(TextRuler&, const Proposal& proposal) const override {
-        return {proposal.width.value_or(0), 1};
+ protected:
+    Size fit(TextRuler&, const Proposal& proposal) const override { return {proposal.width.value_or(0), 1}; }
+    void paint(SceneBuilder& scene, const Rect& frame) const override {
+        scene.fill(RoundedRect{frame}, scene.palette().color(Ink::separator), Snapping::toPixels);
     }
-    void place(TextRuler&, const Rect& frame) override { frame_ = frame; }
-    void build(SceneBuilder& scene) const override { scene.fill({frame_, 0}, Ink::separator); }
-
- private:
-    Rect frame_;
 };
 
 }  // namespace

@@ -13,6 +13,7 @@ enum class Ink {
     labelColor,
     secondaryLabelColor,
     controlAccentColor,
+    link,
     controlBackgroundColor,
     separator,
     white,

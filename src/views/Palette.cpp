@@ -26,6 +26,8 @@ constexpr InkTones tonesOf(Ink ink) {
             return {rgb(0x5A6069), rgb(0xA9B0BA)};
         case Ink::controlAccentColor:
             return {rgb(0x0B7A4B), rgb(0x17814F)};
+        case Ink::link:
+            return {rgb(0x0B7A4B), rgb(0x3DD68C)};
         case Ink::controlBackgroundColor:
             return {rgb(0xFFFFFF), rgb(0x14161A)};
         case Ink::separator:

@@ -1,60 +1,181 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
+#include "views/Accessible.h"
+#include "views/Animated.h"
+#include "views/Attention.h"
+#include "views/Child.h"
 #include "views/Palette.h"
 #include "views/Scene.h"
 
 namespace norvane {
 
-class Node;
-
-// Collects the scene while the tree is walked, parents before children. It knows the path of the element that
-// is being built and the narrowing that holds for it.
+// Collects the scene of one moment while the tree is walked, parents before children. It knows the path of
+// the element that is being built and all that holds for it there: where its parent stands at this moment,
+// what it is moved and scaled by, and what is cut off of it.
 class SceneBuilder {
  public:
-    SceneBuilder(const Palette& palette, Size size);
+    // Frames a second, while something moves: what never ends by itself, or goes on evenly, needs fewer.
+    static constexpr double kSteadyRate = 30;
+    static constexpr double kLivelyRate = 60;
+
+    enum class Purpose { picture, accessibleTree };
+
+    SceneBuilder(const Palette& palette, Size size, MonotonicInstant now, const Attention& attention,
+                 Purpose purpose = Purpose::picture);
     SceneBuilder(const SceneBuilder&) = delete;
     SceneBuilder& operator=(const SceneBuilder&) = delete;
 
     const Palette& palette() const { return palette_; }
+    MonotonicInstant now() const { return now_; }
+    // Whether it is the accessible tree that is asked for.
+    bool isTold() const { return accessibleParent_ != nullptr; }
 
-    // Builds a child under this index of its parent.
-    void child(std::size_t index, const Node& node);
+    // Where a value that is painted stands. One that moves wants another picture.
+    template <typename T>
+    T value(const Animated<T>& value) {
+        if (const auto animation = value.animationAt(now_)) {
+            const bool isSteady = animation->repeats || animation->curve == Animation::Curve::linear;
+            wantFrames(isSteady ? kSteadyRate : kLivelyRate);
+        }
+        return value.valueAt(now_);
+    }
+    void wantFrames(double perSecond) { scene_.frameRate = std::max(scene_.frameRate, perSecond); }
 
-    void fill(const RoundedRect& shape, const Paint& paint);
-    void stroke(const RoundedRect& shape, double width, const Paint& paint);
-    void text(std::string text, const TextStyle& style, const Rect& frame, const Paint& paint);
-    void sense(const Rect& frame, std::function<void()> action, std::function<void(bool)> onHover);
+    // Where the parent of the node that is being built stands, before all moving and scaling.
+    Point origin() const { return origin_; }
+    template <typename Contents>
+    void inside(Point origin, Contents contents) {
+        const Point outer = std::exchange(origin_, origin);
+        contents();
+        origin_ = outer;
+    }
 
-    // What `contents` builds is narrowed by `factor` about the vertical line at `left`.
-    void narrowed(double factor, double left, const std::function<void()>& contents);
+    // Builds a child, and one that is on its way out.
+    void child(const Child& child);
+    void leaving(std::size_t index, const Child& child);
 
-    // What `contents` tells of itself becomes the children of this node.
-    void accessible(AccessibleNode node, const std::function<void()>& contents);
-    // Tells nothing of what `contents` builds.
-    void inaccessible(const std::function<void()>& contents);
+    void fill(const Shape& shape, const Fill& fill, Snapping snapping = Snapping::none);
+    void stroke(const Shape& shape, const StrokeStyle& style, const Fill& fill,
+                Snapping snapping = Snapping::none);
+    void shadow(DrawShadow shadow);
+    void text(const std::string& text, const TextStyle& style, const Rect& frame, const Color& color);
+    void symbol(const std::string& name, const Rect& frame, const Color& color);
+    void image(const std::string& name, const Rect& frame);
+    void picture(std::shared_ptr<const DisplayList> picture, Point at);
+
+    // What `contents` paints, as one thing: with one opacity, cut at the clip.
+    template <typename Contents>
+    void group(double opacity, const std::optional<RoundedRect>& clip, Contents contents) {
+        if (!(opacity > 0)) return;
+        if (opacity >= 1 && !clip) {
+            contents();
+            return;
+        }
+        Grouping outer = beginGroup(clip);
+        contents();
+        endGroup(opacity, std::move(outer));
+    }
+    template <typename Contents>
+    void moved(Point by, Contents contents) {
+        const Transform outer = transform_;
+        transform_.x += by.x * outer.scaleX;
+        transform_.y += by.y * outer.scaleY;
+        contents();
+        transform_ = outer;
+    }
+    // About a point that stays where it is.
+    template <typename Contents>
+    void scaled(double scaleX, double scaleY, Point about, Contents contents) {
+        const Transform outer = transform_;
+        transform_.x += about.x * (1 - scaleX) * outer.scaleX;
+        transform_.y += about.y * (1 - scaleY) * outer.scaleY;
+        transform_.scaleX *= scaleX;
+        transform_.scaleY *= scaleY;
+        contents();
+        transform_ = outer;
+    }
+
+    // The element minds pointer or keyboard within the frame.
+    void sense(const Rect& frame, const std::shared_ptr<const Interaction>& interaction, double radius = 4);
+    // The element that is being built is held down at this moment.
+    bool isPressed() const { return attention_.pressed == path_; }
+
+    // What `contents` tells of itself becomes the children of this node, or is not told.
+    template <typename Contents>
+    void accessible(const Accessible& told, const Rect& frame, Contents contents) {
+        if (accessibleParent_ == nullptr) {
+            contents();
+            return;
+        }
+        AccessibleNode node = tell(told, frame);
+        AccessibleNode* const parent = std::exchange(accessibleParent_, told.containsMore ? &node : nullptr);
+        contents();
+        accessibleParent_ = parent;
+        parent->children.push_back(std::move(node));
+    }
+    template <typename Contents>
+    void inaccessible(Contents contents) {
+        AccessibleNode* const parent = std::exchange(accessibleParent_, nullptr);
+        contents();
+        accessibleParent_ = parent;
+    }
 
     Scene finish() &&;
 
  private:
-    void add(const Rect& bounds, DrawCommand command);
-    Rect narrowed(const Rect& rect) const;
-
-    struct Narrowing {
-        double factor = 1;
-        double left = 0;
+    struct Transform {
+        double scaleX = 1;
+        double scaleY = 1;
+        double x = 0;
+        double y = 0;
+        bool operator==(const Transform&) const = default;
+    };
+    struct Grouping {
+        std::string key;
+        std::vector<DisplayItem> items;  // of what is around the group
+        std::optional<RoundedRect> clip;
+        Rect visible;
+        std::size_t itemsOfElement = 0;
     };
 
+    template <typename Contents>
+    void under(std::string_view key, Contents contents);
+    void present(const Child& child, double presence);
+
+    Grouping beginGroup(const std::optional<RoundedRect>& clip);
+    void endGroup(double opacity, Grouping outer);
+
+    void add(const Rect& bounds, DrawCommand command);
+    std::string nextKey();
+    AccessibleNode tell(const Accessible& told, const Rect& frame);
+
+    Point transformed(Point point) const;
+    Rect transformed(const Rect& rect) const;
+    Shape transformed(const Shape& shape) const;
+    Fill transformed(const Fill& fill) const;
+    double scale() const { return std::min(transform_.scaleX, transform_.scaleY); }
+
     const Palette& palette_;
+    const MonotonicInstant now_;
+    const Attention& attention_;
     Scene scene_;
+    std::vector<DisplayItem> items_;  // of the innermost group
+    std::optional<RoundedRect> clip_;
     std::string path_;
     std::size_t itemsOfElement_ = 0;
-    Narrowing narrowing_;
-    AccessibleNode* accessibleParent_;  // null where nothing is told
+    Point origin_;
+    Transform transform_;
+    Rect visible_;
+    bool isInert_ = false;
+    AccessibleNode* accessibleParent_ = nullptr;  // null where nothing is told
 };
 
 }  // namespace norvane

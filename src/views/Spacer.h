@@ -4,7 +4,7 @@
 
 namespace norvane {
 
-// Nothing, taking all the room that is left in its row.
-Element spacer();
+// Takes what is left over in the direction of the stack that it is in, at least so many points.
+Element spacer(double least = 0);
 
 }  // namespace norvane

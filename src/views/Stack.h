@@ -1,7 +1,6 @@
 #pragma once
 
 #include <utility>
-#include <vector>
 
 #include "views/Alignment.h"
 #include "views/Axis.h"
@@ -14,9 +13,11 @@ struct StackOptions {
     Alignment alignment = Alignment::center;
     // Between two members, in points.
     double spacing = 0;
+
+    bool operator==(const StackOptions&) const = default;
 };
 
-Element stack(Axis axis, const StackOptions& options, std::vector<Element> members);
+Element stack(Axis axis, const StackOptions& options, ElementList members);
 
 // Members from left to right.
 template <typename... Members>

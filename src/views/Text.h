@@ -8,7 +8,7 @@
 
 namespace norvane {
 
-// A text that wraps to the width it is given and is never shortened.
+// A text, wrapped where it is wider than what it is offered, as high as it then is.
 Element text(std::string text, const TextStyle& style, const Paint& paint = Ink::primary);
 
 }  // namespace norvane

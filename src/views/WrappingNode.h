@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "views/Element.h"
 #include "views/Node.h"
 #include "views/SceneBuilder.h"
 
@@ -10,25 +11,19 @@ namespace norvane {
 // A node around one other that, unless it says otherwise, is as large as it and adds nothing.
 class WrappingNode : public Node {
  public:
-    explicit WrappingNode(NodePointer child) : child_(std::move(child)) {}
-
-    Size measure(TextRuler& ruler, const Proposal& proposal) const override {
-        return child_->measure(ruler, proposal);
-    }
-    void place(TextRuler& ruler, const Rect& frame) override {
-        frame_ = frame;
-        child_->place(ruler, frame);
-    }
-    void build(SceneBuilder& scene) const override { scene.child(0, *child_); }
+    explicit WrappingNode(Element child) : Node(childrenOf(listOf(std::move(child)))) {}
 
  protected:
-    Node& child() const { return *child_; }
-    const Rect& frame() const { return frame_; }
-    void setFrame(const Rect& frame) { frame_ = frame; }
-
- private:
-    NodePointer child_;
-    Rect frame_;
+    // Nothing where the element is none.
+    Size fit(TextRuler& ruler, const Proposal& proposal) const override {
+        return measureChild(ruler, proposal);
+    }
+    Size measureChild(TextRuler& ruler, const Proposal& proposal) const {
+        return children().empty() ? Size{} : children().front().node->measure(ruler, proposal);
+    }
+    void placeChild(TextRuler& ruler, const Rect& frame) {
+        if (!children().empty()) children().front().node->place(ruler, frame);
+    }
 };
 
 }  // namespace norvane
