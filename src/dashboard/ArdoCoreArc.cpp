@@ -1,0 +1,54 @@
+#include "dashboard/ArdoCoreArc.h"
+
+#include <string>
+
+#include "dashboard/GaugeMotion.h"
+#include "drawing/NamedFonts.h"
+#include "views/DepthStack.h"
+#include "views/ShapeElement.h"
+#include "views/Stack.h"
+#include "views/Stateful.h"
+#include "views/Text.h"
+
+namespace norvane {
+namespace {
+
+struct Drawn {
+    double animatedUsage = 0;
+    double target = 0;
+    bool hasAppeared = false;
+};
+
+constexpr double kSide = 38;
+constexpr double kLine = 4.5;
+const Animation kMove = Animation::easeOut(0.35);
+
+Element ring(const Drawn& drawn, const Paint& color) {
+    const StrokeStyle track{.width = kLine};
+    const StrokeStyle arc{.width = kLine, .cap = LineCap::round};
+    const double part = drawn.animatedUsage / 100;
+    return zstack({},
+                  shape(Outline::arc(0, 1),
+                        {.stroke = Stroke{.fill = Paint(Ink::primary).withOpacity(0.1), .style = track}}),
+                  shape(Outline::arc(0, part),
+                        {.stroke = Stroke{.fill = color, .style = arc},
+                         .shadows = {{.paint = color.withOpacity(part * 0.8), .radius = 5}}}))
+        .frame({.width = kSide, .height = kSide});
+}
+
+}  // namespace
+
+Element ArdoCoreArc::body() const {
+    return stateful<Drawn>({}, [view = *this](const State<Drawn>& drawn) {
+        const std::string name = "Core " + std::to_string(view.index);
+        Element arc =
+            vstack({.spacing = 8},            //
+                   ring(*drawn, view.color),  //
+                   text(name, {.font = font::system(10, FontWeight::medium), .lineLimit = 1}, Ink::secondary))
+                .accessible(
+                    {.role = AccessibleRole::meter, .name = name, .value = gaugePercent(view.usage / 100)});
+        return following(std::move(arc), drawn, &Drawn::animatedUsage, view.usage, kMove);
+    });
+}
+
+}  // namespace norvane
