@@ -20,7 +20,7 @@ Element column(const std::string& value, const std::string& label) {
                   text(value, valueStyle, Ink::labelColor),  //
                   text(label, labelStyle, Ink::secondaryLabelColor))
         .frame({.minWidth = 22})
-        .accessible(AccessibleRole::text, label, value);
+        .accessible({.role = AccessibleRole::text, .name = label, .value = value});
 }
 
 }  // namespace

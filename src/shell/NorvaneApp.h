@@ -2,9 +2,11 @@
 
 #include <optional>
 
+#include "dashboard/PreferencesView.h"
 #include "platform/Platform.h"
 #include "preferences/PreferencesStore.h"
 #include "shell/AppDelegate.h"
+#include "shell/Popover.h"
 #include "telemetry/CPUHardwareInfo.h"
 
 namespace norvane {
@@ -21,6 +23,10 @@ class NorvaneApp {
     // Comes up: the status item stands when this returns, the rest follows from the main queue.
     void launch();
 
+    // The settings by themselves, without the dashboard's way to them; nothing without a status item's
+    // button.
+    void showSettings();
+
     AppDelegate& delegate() { return delegate_; }
     PreferencesStore& preferences() { return preferences_; }
     // What the processor is; asked of the machine soon after the launch, so that no click waits for it.
@@ -31,6 +37,9 @@ class NorvaneApp {
     PreferencesStore preferences_;
     std::optional<CPUHardwareInfo> cpuHardwareInfo_;
     AppDelegate delegate_;
+    // Built when it is first asked for, the view before the popover that shows it.
+    std::optional<PreferencesView> settingsView_;
+    std::optional<Popover> settings_;
     Cancellation warmUp_;
 };
 

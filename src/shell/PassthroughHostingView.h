@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Appearance.h"
+#include "platform/Platform.h"
 #include "shell/MenuBarStatsView.h"
 #include "views/HostedView.h"
 
@@ -10,8 +10,8 @@ namespace norvane {
 // target of the pointer, and its background is clear.
 class PassthroughHostingView final : public HostedView {
  public:
-    PassthroughHostingView(const MenuBarStatsModel& model, TextRuler& ruler, Appearance& appearance)
-        : HostedView([this] { return rootView_.body(); }, ruler, appearance), rootView_(model) {
+    PassthroughHostingView(const MenuBarStatsModel& model, const Platform& platform)
+        : HostedView([this] { return rootView_.body(); }, platform), rootView_(model) {
         rootView_.observe([this] { invalidate(); });
     }
 

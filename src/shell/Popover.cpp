@@ -1,15 +1,10 @@
 #include "shell/Popover.h"
 
 namespace norvane {
-namespace {
-
-// Between the anchor and the window, in points.
-constexpr double kGap = 6;
-
-}  // namespace
-
 Popover::~Popover() {
-    if (isShown_) window_->orderOut();
+    if (!isShown_) return;
+    window_->orderOut();
+    content_.disappear();
 }
 
 void Popover::showBelow(const Rect& anchor) {
@@ -21,7 +16,8 @@ void Popover::showBelow(const Rect& anchor) {
     if (!window_) window_ = windowServer_.makePopoverWindow(content_, *this);
     isShown_ = true;
     showing_ = std::make_shared<const int>();
-    window_->place({anchor.midX() - content_.fittingSize().width / 2, anchor.maxY() + kGap});
+    content_.appear();
+    window_->place(anchor);
     bringUpAfterThisTurn();
 }
 
@@ -43,9 +39,8 @@ void Popover::performClose() {
     if (delegate_ != nullptr && !delegate_->popoverShouldClose(*this)) return;
     isShown_ = isUp_ = false;
     showing_.reset();
-    // The pointer is over nothing of it any more.
-    content_.pointer({PointerEvent::Kind::leave, {}});
     window_->orderOut();
+    content_.disappear();
     if (delegate_ != nullptr) delegate_->popoverDidClose(*this);
 }
 
