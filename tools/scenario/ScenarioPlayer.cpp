@@ -6,8 +6,10 @@
 #include <vector>
 
 #include "platform/scripted/ScriptedPopoverWindow.h"
+#include "preferences/DefaultsKeys.h"
 #include "scenario/Durations.h"
 #include "scenario/Objection.h"
+#include "scenario/SettledTree.h"
 
 namespace norvane {
 namespace {
@@ -36,6 +38,10 @@ const ScenarioPlayer::Statement ScenarioPlayer::kStatements[] = {
     {"show", &ScenarioPlayer::playShow},
     {"print", &ScenarioPlayer::playPrint},
 };
+
+ScenarioPlayer::ScenarioPlayer(Transcript::Print print) : transcript_(std::move(print)) {
+    machine_.scripted.userDefaults.changeFromOutside(defaultskey::kHasSeenWelcome, true);
+}
 
 void ScenarioPlayer::play(std::string_view line) {
     if (line.find_first_not_of(" \t\r") == std::string_view::npos) return;
@@ -141,8 +147,7 @@ void ScenarioPlayer::open() {
 bool ScenarioPlayer::clickOn(std::string_view name) {
     if (name.empty()) return false;  // what has no name is not to be found by it
     ScriptedPopoverWindow& window = *machine_.scripted.windowServer.windows().back();
-    window.picture();
-    const auto middle = middleOf(window.content().accessibleTree(), name);
+    const auto middle = middleOf(settledTree(window, machine_.scripted.time.monotonic()), name);
     if (!middle) return false;
     machine_.scripted.windowServer.click(
         {window.frame().minX() + middle->x, window.frame().minY() + middle->y});

@@ -18,7 +18,8 @@ namespace norvane {
 // The program starts by itself with the first line that needs it.
 class ScenarioPlayer {
  public:
-    explicit ScenarioPlayer(Transcript::Print print) : transcript_(std::move(print)) {}
+    // The user has been welcomed before, unless the scenario says otherwise.
+    explicit ScenarioPlayer(Transcript::Print print);
     ScenarioPlayer(const ScenarioPlayer&) = delete;
     ScenarioPlayer& operator=(const ScenarioPlayer&) = delete;
 

@@ -1,11 +1,13 @@
 #include "scenario/ShownThing.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "dashboard/PodValue.h"
 #include "insight/ImpactPod.h"
 #include "insight/SystemStatusText.h"
 #include "platform/scripted/ScriptedPopoverWindow.h"
+#include "scenario/SettledTree.h"
 #include "scenario/ShownJson.h"
 #include "scenario/SnapshotFields.h"
 
@@ -23,12 +25,20 @@ void hearAll(const AccessibleNode& node, Json& texts) {
         hearAll(child, texts);
 }
 
+// The dashboard is the window with the row that quits; others may hang beside it.
+bool isDashboard(const AccessibleNode& tree) {
+    return std::any_of(tree.children.begin(), tree.children.end(), [](const AccessibleNode& child) {
+        return child.role == AccessibleRole::button && child.name == "Quit";
+    });
+}
+
 // The open dashboard's tree; a node without children where none is open.
 AccessibleNode dashboardTree(const Sight& sight) {
-    const auto& windows = sight.machine.windowServer.windows();
-    if (windows.empty()) return {};
-    windows.back()->picture();  // the tree goes with a picture
-    return windows.back()->content().accessibleTree();
+    for (ScriptedPopoverWindow* const window : sight.machine.windowServer.windows()) {
+        AccessibleNode tree = settledTree(*window, sight.machine.time.monotonic());
+        if (isDashboard(tree)) return tree;
+    }
+    return {};
 }
 
 Json dashboard(const Sight& sight) {
@@ -38,11 +48,12 @@ Json dashboard(const Sight& sight) {
     return texts.empty() ? Json() : texts;
 }
 
-// The title is the dashboard's first text, the status line its second.
+// The status line is the dashboard's first text after its heading.
 Json statusLine(const Sight& sight) {
-    int texts = 0;
+    bool isBelowHeading = false;
     for (const AccessibleNode& child : dashboardTree(sight).children) {
-        if (child.role == AccessibleRole::text && ++texts == 2) return child.name;
+        if (child.role == AccessibleRole::heading) isBelowHeading = true;
+        if (isBelowHeading && child.role == AccessibleRole::text) return child.name;
     }
     return {};
 }
