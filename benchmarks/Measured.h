@@ -34,6 +34,22 @@ void measure(benchmark::State& state, Prepare&& prepare, Work&& work, CleanUp&& 
     }
 }
 
+// The same for work on this thread alone, by its processor time: whoever else is busy does not count.
+template <typename Prepare, typename Work>
+void measureThreadTime(benchmark::State& state, Prepare&& prepare, Work&& work) {
+    const auto spent = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    };
+    for ([[maybe_unused]] auto _ : state) {
+        prepare();
+        const double before = spent();
+        work();
+        state.SetIterationTime(spent() - before);
+    }
+}
+
 // What the work costs this process' threads together, however long they wait for one another.
 template <typename Work>
 void measureProcessorTime(benchmark::State& state, Work&& work) {

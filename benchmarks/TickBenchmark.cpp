@@ -12,6 +12,7 @@
 
 #include "AllocationCount.h"
 #include "BareLoop.h"
+#include "FrameBenchmarks.h"
 #include "LiveSampler.h"
 #include "MachineBenchmarks.h"
 #include "Measured.h"
@@ -127,6 +128,7 @@ int run(int argumentCount, char** arguments) {
     addPair("full tick", BareLoop::Half::full);
     registerMachineBenchmarks();
     registerViewBenchmarks();
+    registerFrameBenchmarks();
     MedianReporter figures;
     benchmark::RunSpecifiedBenchmarks(&figures);
     benchmark::Shutdown();
@@ -139,6 +141,7 @@ int run(int argumentCount, char** arguments) {
     areWithin &= judgeAllocations(figures, "light tick", kMostAllocationsOfLightTicks);
     areWithin &= judgeAllocations(figures, "full tick", std::nullopt);
     areWithin &= judgeMachineBenchmarks(figures);
+    areWithin &= judgeFrameBenchmarks(figures);
     return areWithin ? 0 : 1;
 }
 

@@ -1,0 +1,175 @@
+#include "FrameBenchmarks.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "drawing/Damage.h"
+#include "MadeDashboard.h"
+#include "Measured.h"
+#include "platform/linux/CairoHandles.h"
+#include "platform/linux/CairoPainter.h"
+#include "platform/linux/PangoTextRuler.h"
+
+namespace norvane {
+namespace {
+
+constexpr int kIterations = 20;
+constexpr int kRepetitions = 50;
+constexpr std::array kScales{1, 2};
+
+struct Bound {
+    const char* name;
+    double milliseconds;
+};
+constexpr std::array kBounds{
+    Bound{"frame: change, layout and list", 0.3}, Bound{"frame: seven things breathe, x1", 0.3},
+    Bound{"frame: seven things breathe, x2", 1},  Bound{"frame: painting all, x1", 6},
+    Bound{"frame: painting all, x2", 15},
+};
+
+std::string atScale(const std::string& name, int scale) {
+    return name + ", x" + std::to_string(scale);
+}
+
+void add(const std::string& name, std::function<void(benchmark::State&)> body) {
+    registerMeasured(name, kIterations, kRepetitions, std::move(body));
+}
+
+// A screen, and what it is painted on at one scale.
+class Window {
+ public:
+    explicit Window(int scale)
+        : dashboard(ruler_),
+          all(pixelsCovering(Rect{{}, MadeDashboard::kSize}, scale)),
+          scale_(scale),
+          surface_(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, all.width, all.height)) {}
+
+    void paint(const DisplayList& list, const std::vector<PixelRect>& damage) {
+        painter_.paint(surface_.get(), {static_cast<double>(scale_), 0, 0}, list, damage);
+    }
+    // Only what differs between the two; whether anything does.
+    bool paint(const DisplayList& before, const DisplayList& after) {
+        std::vector<PixelRect> damage;
+        for (const Rect& rect : damageBetween(before, after))
+            damage.push_back(pixelsCovering(rect, scale_).intersection(all));
+        paint(after, damage);
+        return !damage.empty();
+    }
+
+ private:
+    TextLayouts layouts_;
+    PangoTextRuler ruler_{layouts_};
+    CairoPainter painter_{layouts_};
+
+ public:
+    MadeDashboard dashboard;
+    const PixelRect all;
+
+ private:
+    int scale_;
+    CairoSurface surface_;
+};
+
+void copying(benchmark::State& state, int scale) {
+    const PixelRect all = pixelsCovering(Rect{{}, MadeDashboard::kSize}, scale);
+    const std::vector<std::uint32_t> from(
+        static_cast<std::size_t>(all.width) * static_cast<std::size_t>(all.height), 7);
+    std::vector<std::uint32_t> to(from.size());
+    measureThreadTime(
+        state, [] {},
+        [&] {
+            std::memcpy(to.data(), from.data(), from.size() * sizeof(std::uint32_t));
+            benchmark::DoNotOptimize(to.data());
+            benchmark::ClobberMemory();
+        });
+}
+
+void change(benchmark::State& state, Window& window) {
+    DisplayList list;
+    measureThreadTime(
+        state, [&] { window.dashboard.nextSecond(); }, [&] { list = window.dashboard.nextFrame(); });
+    state.counters["items"] = static_cast<double>(list.items.size());
+}
+
+void listAlone(benchmark::State& state, Window& window) {
+    DisplayList list;
+    window.dashboard.breathe();
+    measureThreadTime(
+        state, [] {}, [&] { list = window.dashboard.nextFrame(); });
+    benchmark::DoNotOptimize(list);
+}
+
+void breathing(benchmark::State& state, Window& window) {
+    window.dashboard.breathe();
+    DisplayList before = window.dashboard.nextFrame();
+    window.paint(before, {window.all});
+    // Every radius has been there before, as on a screen that has been open for a while.
+    bool isMoving = true;
+    const auto frame = [&] {
+        DisplayList after = window.dashboard.nextFrame();
+        isMoving &= window.paint(before, after);
+        before = std::move(after);
+    };
+    for (int i = 0; i < 60; ++i)
+        frame();
+    measureThreadTime(
+        state, [] {}, frame);
+    if (!isMoving) state.SkipWithError("nothing moves");
+}
+
+void paintingAll(benchmark::State& state, Window& window) {
+    DisplayList list;
+    measureThreadTime(
+        state,
+        [&] {
+            window.dashboard.nextSecond();
+            list = window.dashboard.nextFrame();
+        },
+        [&] { window.paint(list, {window.all}); });
+}
+
+}  // namespace
+
+void registerFrameBenchmarks() {
+    const auto still = std::make_shared<Window>(1);
+    add("frame: change, layout and list", [still](auto& state) { change(state, *still); });
+    const auto moving = std::make_shared<Window>(1);
+    add("frame: list alone", [moving](auto& state) { listAlone(state, *moving); });
+    for (const int scale : kScales) {
+        add(atScale("frame: copying all", scale), [scale](auto& state) { copying(state, scale); });
+        const auto window = std::make_shared<Window>(scale);
+        add(atScale("frame: painting all", scale), [window](auto& state) { paintingAll(state, *window); });
+        const auto other = std::make_shared<Window>(scale);
+        add(atScale("frame: seven things breathe", scale),
+            [other](auto& state) { breathing(state, *other); });
+    }
+}
+
+bool judgeFrameBenchmarks(const MedianReporter& figures) {
+    bool areWithin = true;
+    for (const int scale : kScales) {
+        const auto copy = figures.medianTime(atScale("frame: copying all", scale));
+        if (copy) std::printf("a copy of all pixels, x%d: %.3f ms\n", scale, *copy / 1e6);
+    }
+    for (const Bound& bound : kBounds) {
+        const auto time = figures.medianTime(bound.name);
+        const bool isWithin = time && *time <= bound.milliseconds * 1e6;
+        areWithin &= isWithin;
+        if (!time) {
+            std::printf("%-34s not measured\n", bound.name);
+            continue;
+        }
+        std::printf("%-34s %.3f ms, bound %.1f ms: %s\n", bound.name, *time / 1e6, bound.milliseconds,
+                    isWithin ? "ok" : "OVER");
+    }
+    return areWithin;
+}
+
+}  // namespace norvane
