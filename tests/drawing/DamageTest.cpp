@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <random>
 
 namespace norvane {
@@ -33,36 +34,70 @@ class Picture {
  private:
     static std::uint64_t mixed(const DisplayList& list, Point point) {
         std::uint64_t value = 1;
-        for (const DisplayItem& item : list.items) {
-            if (!item.bounds.contains(point)) continue;
-            const Color& color = std::get<FillShape>(item.command).color;
-            value = value * 1'000'003 + static_cast<std::uint64_t>(color.red * 255) + 1;
-        }
+        mix(list.items, point, value);
         return value;
+    }
+    static void mix(const std::vector<DisplayItem>& items, Point point, std::uint64_t& value) {
+        for (const DisplayItem& item : items) {
+            if (!item.bounds.contains(point)) continue;
+            if (const auto* group = std::get_if<DrawGroup>(&item.command)) {
+                if (group->clip && !group->clip->rect.contains(point)) continue;
+                std::uint64_t inside = 1;
+                mix(group->items, point, inside);
+                // Where nothing of it is, a group leaves what is behind it alone.
+                if (inside != 1)
+                    value = value * 37 + inside * static_cast<std::uint64_t>(group->opacity * 100);
+            } else {
+                const Color color = std::get<FillShape>(item.command).fill.from;
+                value = value * 1'000'003 + static_cast<std::uint64_t>(color.red * 255) + 1;
+            }
+        }
     }
 
     std::vector<std::uint64_t> points_;
 };
 
 DisplayItem item(std::string key, Rect bounds, int shade = 0) {
-    return {std::move(key), bounds, FillShape{{bounds, 0}, {shade / 255.0, 0, 0, 1}}};
+    return {std::move(key), bounds, FillShape{RoundedRect{bounds}, Color{shade / 255.0, 0, 0, 1}}};
+}
+
+// Its bounds are those of what is in it, within the clip, as whoever makes groups says them.
+DisplayItem group(std::string key, double opacity, std::optional<Rect> clip, std::vector<DisplayItem> items) {
+    Rect bounds;
+    for (const DisplayItem& each : items)
+        bounds = bounds.united(each.bounds);
+    if (clip) bounds = bounds.intersection(*clip);
+    std::optional<RoundedRect> cut;
+    if (clip) cut = RoundedRect{*clip};
+    return {std::move(key), bounds, DrawGroup{opacity, cut, std::move(items)}};
 }
 
 DisplayList listOf(std::vector<DisplayItem> items) {
     return {{kWidth, kHeight}, std::move(items)};
 }
 
-// Some of ten items in any order, where their edges may lie between points and outside of the frame.
-DisplayList randomList(std::mt19937& random) {
+// Some of ten items in any order, where their edges may lie between points and outside of the frame. Some are
+// groups of a few more.
+std::vector<DisplayItem> randomItems(std::mt19937& random, int depth) {
     const auto upTo = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
     std::vector<DisplayItem> items;
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < (depth == 0 ? 10 : 4); ++i) {
         if (upTo(3) == 0) continue;
         const Rect bounds{{upTo(160) / 4.0 - 4, upTo(120) / 4.0 - 4}, {upTo(60) / 4.0, upTo(40) / 4.0}};
-        items.push_back(item("item " + std::to_string(i), bounds, upTo(2)));
+        const std::string key = "item " + std::to_string(i);
+        if (i % 4 == 3 && depth < 2) {
+            const auto clip = upTo(1) == 0 ? std::optional(bounds) : std::nullopt;
+            DisplayItem made = group(key, upTo(1) == 0 ? 1 : 0.5, clip, randomItems(random, depth + 1));
+            if (!made.bounds.isEmpty()) items.push_back(std::move(made));
+        } else {
+            items.push_back(item(key, bounds, upTo(2)));
+        }
     }
     std::shuffle(items.begin(), items.end(), random);
-    return listOf(std::move(items));
+    return items;
+}
+DisplayList randomList(std::mt19937& random) {
+    return listOf(randomItems(random, 0));
 }
 
 // The next frame of a list: most items stay, a few change, go, come or change their places.
@@ -135,9 +170,68 @@ TEST(Damage, IsNoMoreThanWhatChanged) {
              Case{"one came", {left}, {left, far}, {far.bounds}},
              Case{"one came in front of the others", {left, right}, {far, left, right}, {far.bounds}},
              Case{"one went", {left, far, right}, {left, right}, {far.bounds}},
-             Case{"one moved away", {left}, {item("left", far.bounds)}, {far.bounds, left.bounds}},
+             Case{"one moved away", {left}, {item("left", far.bounds)}, {left.bounds, far.bounds}},
              Case{"one moved a little", {left}, {item("left", {{2, 1}, {4, 4}})}, {{{0, 0}, {6, 5}}}},
              Case{"one outside of the frame came", {left}, {left, item("x", {{40, 0}, {4, 4}})}, {}},
+         }) {
+        EXPECT_EQ(damageBetween(listOf(c.before), listOf(c.after)), c.damage) << c.name;
+    }
+}
+
+TEST(Damage, LooksIntoGroups) {
+    const DisplayItem left = item("left", {{0, 0}, {4, 4}});
+    const DisplayItem right = item("right", {{10, 0}, {4, 4}});
+    const DisplayItem wide = item("wide", {{0, 10}, {30, 4}});
+    const DisplayItem brightWide = item("wide", wide.bounds, 9);
+    const Rect window{{5, 8}, {10, 10}};
+    const auto one = [](double opacity, std::optional<Rect> clip, std::vector<DisplayItem> items) {
+        return std::vector{group("group", opacity, clip, std::move(items))};
+    };
+    struct Case {
+        const char* name;
+        std::vector<DisplayItem> before, after;
+        std::vector<Rect> damage;
+    };
+    for (const Case& c : {
+             Case{"the same", one(0.5, {}, {left, right}), one(0.5, {}, {left, right}), {}},
+             Case{"another colour inside",
+                  one(0.5, {}, {left, right}),
+                  one(0.5, {}, {left, item("right", right.bounds, 9)}),
+                  {right.bounds}},
+             Case{"one came inside", one(1, {}, {left}), one(1, {}, {left, right}), {right.bounds}},
+             Case{"another order inside",
+                  one(1, {}, {left, right, wide}),
+                  one(1, {}, {right, left, wide}),
+                  {left.bounds}},
+             Case{"another opacity",
+                  one(0.5, {}, {left, right}),
+                  one(0.6, {}, {left, right}),
+                  {{{0, 0}, {14, 4}}}},
+             Case{"moved with everything in it",
+                  one(0.5, {}, {left}),
+                  one(0.5, {}, {item("left", {{20, 20}, {4, 4}})}),
+                  {left.bounds, {{20, 20}, {4, 4}}}},
+             Case{"a change that the clip cuts",
+                  one(1, window, {wide}),
+                  one(1, window, {brightWide}),
+                  {{{5, 10}, {10, 4}}}},
+             Case{"a change that the clip hides",
+                  one(1, window, {wide, left}),
+                  one(1, window, {wide, item("left", left.bounds, 9)}),
+                  {}},
+             Case{"another clip",
+                  one(1, window, {wide}),
+                  one(1, Rect{{5, 8}, {12, 10}}, {wide}),
+                  {{{5, 10}, {12, 4}}}},
+             Case{"a group where there was none", {wide}, {group("wide", 1, {}, {wide})}, {wide.bounds}},
+             Case{"deep inside",
+                  one(1, {}, {group("g", 1, window, {wide, left})}),
+                  one(1, {}, {group("g", 1, window, {brightWide, left})}),
+                  {{{5, 10}, {10, 4}}}},
+             Case{"out of the frame",
+                  one(1, {}, {item("x", {{90, 0}, {9, 9}})}),
+                  one(1, {}, {item("x", {{90, 0}, {9, 9}}, 9)}),
+                  {}},
          }) {
         EXPECT_EQ(damageBetween(listOf(c.before), listOf(c.after)), c.damage) << c.name;
     }

@@ -45,7 +45,7 @@ const Lines kSamples = {
     R"({"mountedVolumeURLs": {"/": {"volumeName": "Root", "volumeTotalCapacity": 2e11,
         "volumeAvailableCapacity": 60000000000, "volumeIsInternal": true, "volumeIsRootFileSystem": true,
         "volumeIsEjectable": false}, "/media/stick": null}})",
-    R"({"preference": {"storageAlertThresholdGB": 50, "hasSeenWelcome": null}})",
+    R"({"preference": {"storageAlertThresholdGB": 50, "lastViewedPod": null}})",
     R"({"notifications": {"error": "text"}})",
     R"({"notifications": "delivered"})",
     R"({"authorization": "denied"})",

@@ -2,8 +2,7 @@
 
 #include <limits>
 
-#include "platform/scripted/FixedTextRuler.h"
-#include "platform/scripted/ScriptedAppearance.h"
+#include "platform/scripted/ScriptedMachine.h"
 #include "shell/MenuBarStatsText.h"
 #include "shell/PassthroughHostingView.h"
 
@@ -40,10 +39,9 @@ class PassthroughHostingViewTest : public testing::Test {
  protected:
     DisplayList paint() { return view_.displayList({54, 22}, {}); }
 
-    FixedTextRuler ruler_;
-    ScriptedAppearance appearance_;
+    ScriptedMachine machine_;
     MenuBarStatsModel model_;
-    PassthroughHostingView view_{model_, ruler_, appearance_};
+    PassthroughHostingView view_{model_, machine_.platform()};
 };
 
 TEST_F(PassthroughHostingViewTest, ShowsTwoColumnsThatFitTheItemWhateverTheDigits) {
@@ -58,9 +56,8 @@ TEST_F(PassthroughHostingViewTest, ShowsTwoColumnsThatFitTheItemWhateverTheDigit
         const auto& text = std::get<DrawText>(picture.items[i].command);
         EXPECT_EQ(text.text, wants[i]);
         EXPECT_GE(text.frame.minX(), 0);
-        EXPECT_LE(text.frame.minX() + text.frame.size.width * text.condense, 54 + 1e-9)
-            << "nothing is cropped";
-        EXPECT_LT(text.condense, 1);
+        EXPECT_LE(text.frame.minX() + text.frame.size.width * text.scaleX, 54 + 1e-9) << "nothing is cropped";
+        EXPECT_LT(text.scaleX, 1);
         const Font want = i % 2 == 0 ? Font{11, FontWeight::bold, FontDesign::monospaced, true}
                                      : Font{8, FontWeight::semibold};
         EXPECT_EQ(text.style.font, want);

@@ -4,10 +4,7 @@
 #include <set>
 #include <string>
 
-#include "platform/scripted/ScriptedMachine.h"
-#include "platform/scripted/ScriptedPopoverWindow.h"
-#include "preferences/DefaultsKeys.h"
-#include "shell/NorvaneApp.h"
+#include "ShellTest.h"
 
 namespace norvane {
 namespace {
@@ -20,24 +17,17 @@ constexpr const char* kLowPower = "Low Power Mode is active. Conserving energy f
 constexpr const char* kSaturated = "Critical processor load. Every available cycle is currently utilized.";
 
 // What the dashboard chooses to say and to show as it opens, in the whole application.
-class OpeningTest : public testing::Test {
+class OpeningTest : public ShellTest {
  protected:
-    OpeningTest() {
-        app_.launch();
-        machine_.settle();
-    }
+    OpeningTest() { launch(); }
 
-    void click() {
-        machine_.windowServer.clickStatusItem();
-        machine_.settle();
-    }
     // Opens and closes it, long enough for a snapshot.
     void look() {
         click();
         machine_.advance(1s);
         click();
     }
-    bool isOpen() const { return !machine_.windowServer.windows().empty(); }
+    bool isOpen() { return shown() == "main"; }
     // The pod that one click, from closed, expands.
     std::optional<SnapshotSection> opened() {
         click();
@@ -47,12 +37,14 @@ class OpeningTest : public testing::Test {
         return section;
     }
     std::optional<SnapshotSection> expandedSection() {
-        return app_.delegate().statusBarController()->menuRootView()->expandedSection();
+        return controller().menuRootView()->expandedSection();
     }
+    // The first text below the heading.
     std::string sentence() {
-        ScriptedPopoverWindow& window = *machine_.windowServer.windows().at(0);
-        window.picture();
-        return window.content().accessibleTree().children.at(1).name;
+        window("main").picture();
+        for (const AccessibleNode& node : window("main").content().accessibleTree().children)
+            if (node.role == AccessibleRole::text) return node.name;
+        return {};
     }
     // Every sentence that is on screen at some time.
     std::set<std::string> sentencesWithin(std::chrono::milliseconds time) {
@@ -66,18 +58,12 @@ class OpeningTest : public testing::Test {
     void setPressure(std::int64_t level) {
         machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).always(level);
     }
-    void remember(DefaultsValue value) {
-        machine_.userDefaults.changeFromOutside(defaultskey::kLastViewedPod, std::move(value));
-        machine_.settle();
-    }
-
-    ScriptedMachine machine_;
-    NorvaneApp app_{machine_.platform()};
+    void remember(DefaultsValue value) { store(defaultskey::kLastViewedPod, std::move(value)); }
 };
 
 // Run twice in one opening, the rule would answer with the remembered pod.
 TEST_F(OpeningTest, OneClickRunsTheOpeningRuleOnce) {
-    app_.preferences().setIsSmartAutoExpandEnabled(false);
+    app_->preferences().setIsSmartAutoExpandEnabled(false);
     remember("storage");
     EXPECT_EQ(opened(), cpu);
     EXPECT_EQ(opened(), storage);
@@ -108,7 +94,7 @@ TEST_F(OpeningTest, WhateverIsStoredAsTheLastViewedPodOpensAPod) {
         SnapshotSection section;
     };
     for (const bool isSmart : {true, false}) {
-        app_.preferences().setIsSmartAutoExpandEnabled(isSmart);
+        app_->preferences().setIsSmartAutoExpandEnabled(isSmart);
         opened();
         for (const Case& c : {Case{"battery", battery}, Case{"memory", memory}, Case{"Memory", cpu},
                               Case{"storage", storage}, Case{std::string("storage\0", 8), cpu}, Case{"", cpu},
@@ -168,7 +154,9 @@ TEST_F(OpeningTest, ShownWhileItIsShownThePodStaysAndAskingBeforehandChangesNoth
     remember("storage");
     const auto sampler = PerformanceSampler::create(machine_.platform(), preferences);
     const SmartPodManager smartPodManager;
-    const MenuRootView view(machine_.platform(), preferences, sampler, smartPodManager);
+    const CPUHardwareInfo hardware(machine_.sysctl);
+    const MenuRootView view(machine_.platform(), preferences, sampler, smartPodManager,
+                            [&]() -> const CPUHardwareInfo& { return hardware; }, {});
     EXPECT_EQ(view.expandedSection(), std::nullopt);
     EXPECT_EQ(view.sectionIfOpened(), cpu);
     EXPECT_EQ(view.sectionIfOpened(), cpu);

@@ -36,8 +36,13 @@ class PopoverTest : public testing::Test, private PopoverDelegate {
     void popoverDidClose(Popover& popover) override { heard_ += popover.isShown() ? "?" : "did "; }
 
     ScriptedMachine machine_;
-    HostedView content_{[] { return text("", {}).frame({.width = 100, .height = 40}); }, machine_.textRuler,
-                        machine_.appearance};
+    int appearances_ = 0;
+    double height_ = 40;
+    HostedView content_{
+        [this] {
+            return text("", {}).frame({.width = 100, .height = height_}).onAppear([this] { ++appearances_; });
+        },
+        machine_.platform()};
     Popover popover_{machine_.windowServer, machine_.dispatch.mainQueue(), content_};
     bool mayClose_ = true;
     std::string heard_;
@@ -122,6 +127,29 @@ TEST_F(PopoverTest, ShownAgainItOnlyComesToTheFrontAndClosedAgainDoesNothing) {
     popover_.performClose();
     EXPECT_EQ(heard_, "should did ");
     EXPECT_EQ(popover_.window(), nullptr);
+}
+
+TEST_F(PopoverTest, ItsContentLivesFromEachShowingToItsClosing) {
+    show();
+    EXPECT_EQ(appearances_, 1);
+    mayClose_ = false;
+    popover_.performClose();
+    popover_.showBelow({{700, 0}, {54, 22}});
+    machine_.settle();
+    EXPECT_EQ(appearances_, 1) << "it has been there all the time";
+    mayClose_ = true;
+    popover_.performClose();
+    height_ = 90;
+    content_.animate(Animation::linear(1), [] {});
+    show();
+    EXPECT_EQ(appearances_, 2);
+    EXPECT_EQ(popover_.window()->frame(), (Rect{{677, 28}, {100, 90}})) << "at its new size at once";
+    content_.animate(Animation::linear(1), [&] { height_ = 40; });
+    machine_.settle();
+    EXPECT_EQ(popover_.window()->frame().size.height, 40);
+    machine_.advance(500ms);
+    ScriptedPopoverWindow& window = *machine_.windowServer.windows().at(0);
+    EXPECT_EQ(window.picture().size.height, 65) << "the panel in it is on its way";
 }
 
 TEST(ScreenClamp, KeepsEightPointsOnBothSidesTheLeftOneLast) {

@@ -14,7 +14,7 @@
 // build until it has a stand-in, and the stand-in not until its faults are listed in OperationFaults.h.
 //
 // The ports that no tick knows are not among them: Application, Appearance, Dispatch (which takes work and
-// answers nothing), TextRuler, WindowServer and what they hand out.
+// answers nothing), LoginItem, MainBundle, TextRuler, WindowServer, Workspace and what they hand out.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic error "-Wswitch"
 

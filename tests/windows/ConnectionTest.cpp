@@ -1,4 +1,5 @@
 #include "DesktopTest.h"
+#include "RecordingObserver.h"
 
 namespace norvane {
 namespace {
@@ -12,15 +13,11 @@ class ConnectionTest : public DesktopTest {};
 
 TEST_F(ConnectionTest, TheEndOfTheServerIsToldOnceAndEverythingEndsCleanly) {
     SwatchContent content;
-    struct : PopoverWindowObserver {
-        void windowPressedOutside() override {}
-        void windowLostFocus() override {}
-        void windowEscapePressed() override {}
-    } observer;
+    RecordingObserver observer;
     auto item = windowServer_->statusItemWithLength(54);
     item->setContent(&content);
     auto popover = windowServer_->makePopoverWindow(content, observer);
-    popover->place({100, 100});
+    popover->place(anchorAbove(200, 100));
     popover->orderFront();
     popover->makeKeyWindow();
     ASSERT_TRUE(comes([&] { return bystander_->windows().size() == 2; }));
@@ -38,7 +35,7 @@ TEST_F(ConnectionTest, TheEndOfTheServerIsToldOnceAndEverythingEndsCleanly) {
     EXPECT_FALSE(popover->visibleFrame());
     EXPECT_FALSE(item->buttonFrame());
     popover->orderOut();
-    popover->place({0, 0});
+    popover->place(anchorAbove(0, 0));
     popover->orderFront();
     bool hasTurned = false;
     const Cancellation turn = mainQueue_.after(std::chrono::milliseconds(1), [&] { hasTurned = true; });
@@ -94,6 +91,20 @@ TEST_F(ConnectionTest, TheVisibleFrameIsWhatPanelsLeaveOfTheSmallestMonitor) {
     const Rect right{{600, 0}, {400, 700}};
     EXPECT_TRUE(comes([&] { return screen.visibleFrame({700, 10}) == right; }));
     EXPECT_EQ(screen.visibleFrame({10, 10}), (Rect{{0, 0}, {500, 700}}));
+}
+
+TEST_F(ConnectionTest, TheScreenIsDarkBehindAScreenSaver) {
+    X11ScreenLight light(*connection_, clock_, mainQueue_);
+    EXPECT_TRUE(light.isLit());
+    int returns = 0;
+    Cancellation watch = light.onLit([&] { ++returns; });
+    ASSERT_EQ(runOn(xvfb_.display(), {"xset", "s", "activate"}), 0);
+    EXPECT_TRUE(comes([&] { return !light.isLit(); }));
+    EXPECT_FALSE(X11ScreenLight(*connection_, clock_, mainQueue_).isLit()) << "one that begins in the dark";
+    EXPECT_EQ(returns, 0);
+    ASSERT_EQ(runOn(xvfb_.display(), {"xset", "s", "reset"}), 0);
+    EXPECT_TRUE(comes([&] { return returns == 1; }));
+    EXPECT_TRUE(light.isLit());
 }
 
 }  // namespace

@@ -53,6 +53,11 @@ void DesktopTest::settle() const {
     }
 }
 
+void DesktopTest::turn(std::chrono::milliseconds time) const {
+    const auto end = clock_.now() + time;
+    EXPECT_TRUE(comes([&] { return clock_.now() >= end; }));
+}
+
 void DesktopTest::moveTo(int x, int y) const {
     ASSERT_EQ(runOn(xvfb_.display(), {"xdotool", "mousemove", std::to_string(x), std::to_string(y)}), 0);
 }

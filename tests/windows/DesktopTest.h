@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -10,6 +11,7 @@
 #include "platform/linux/LinuxMonotonicClock.h"
 #include "platform/linux/X11WindowServer.h"
 #include "platform/Observers.h"
+#include "platform/PopoverWindow.h"
 #include "SwatchContent.h"
 #include "Xvfb.h"
 
@@ -46,6 +48,8 @@ class DesktopTest : public ::testing::Test {
     void waitForTheServer() const;
     // The same, and has the main loop do everything that follows.
     void settle() const;
+    // Has the main loop turn for so long.
+    void turn(std::chrono::milliseconds time) const;
 
     void moveTo(int x, int y) const;
     void click(int x, int y, int button = 1) const;
@@ -60,6 +64,11 @@ class DesktopTest : public ::testing::Test {
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowServer> windowServer_;
 };
+
+// The anchor below which a popover hangs that has its upper edge's middle there.
+constexpr Rect anchorAbove(double middle, double top) {
+    return {{middle - 27, top - PopoverWindow::kGap - 22}, {54, 22}};
+}
 
 inline constexpr Color kGreen{0, 1, 0, 1};
 inline constexpr Color kBlue{0, 0, 1, 1};

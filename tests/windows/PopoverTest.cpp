@@ -1,28 +1,10 @@
 #include <algorithm>
 
 #include "DesktopTest.h"
+#include "RecordingObserver.h"
 
 namespace norvane {
 namespace {
-
-class RecordingObserver final : public PopoverWindowObserver {
- public:
-    int pressesOutside = 0;
-    int focusLosses = 0;
-    int escapes = 0;
-    std::function<void()> then;
-
-    void windowPressedOutside() override { tell(pressesOutside); }
-    void windowLostFocus() override { tell(focusLosses); }
-    void windowEscapePressed() override { tell(escapes); }
-
- private:
-    void tell(int& count) {
-        ++count;
-        const auto next = then;
-        if (next) next();
-    }
-};
 
 class PopoverTest : public DesktopTest {
  protected:
@@ -42,7 +24,7 @@ class PopoverTest : public DesktopTest {
 
     void make() { popover_ = windowServer_->makePopoverWindow(content_, observer_); }
     void open() {
-        popover_->place({300, 100});
+        popover_->place(anchorAbove(400, 100));
         popover_->orderFront();
         popover_->makeKeyWindow();
         ASSERT_TRUE(comes([&] { return shows(340, 140, kGreenPixel); }));
@@ -58,19 +40,19 @@ class PopoverTest : public DesktopTest {
 };
 
 TEST_F(PopoverTest, IsPlacedFirstAndShownPaintedAtItsPlace) {
-    popover_->place({300, 100});
+    popover_->place(anchorAbove(400, 100));
     EXPECT_EQ(popover_->frame(), (Rect{{300, 100}, {200, 120}}));
     EXPECT_EQ(popover_->visibleFrame(), (Rect{{0, 0}, {Xvfb::kWidth, Xvfb::kHeight}}));
     popover_->setFrame({{280, 90}, {1, 1}});
-    EXPECT_EQ(popover_->frame(), (Rect{{280, 90}, {200, 120}})) << "the size stays the content's";
+    EXPECT_EQ(popover_->frame(), (Rect{{280, 100}, {200, 120}})) << "it moves to and fro alone";
     settle();
     EXPECT_TRUE(bystander_->windows().empty());
 
     popover_->orderFront();
     // Without a turn of the main loop: it comes up painted.
     waitForTheServer();
-    EXPECT_TRUE(shows(280 + 40, 90 + 40, kGreenPixel));
-    const auto shown = bystander_->windowAt({280, 90, 200, 120});
+    EXPECT_TRUE(shows(280 + 40, 100 + 40, kGreenPixel));
+    const auto shown = bystander_->windowAt({280, 100, 200, 120});
     ASSERT_TRUE(shown);
     EXPECT_EQ(bystander_->text(*shown, "WM_CLASS"), std::string("norvane\0norvane\0", 16));
 
@@ -99,13 +81,14 @@ TEST_F(PopoverTest, EscapeIsTheContentsUnlessItHasNoUseForIt) {
     content_.usesKeys = true;
     content_.keyEvents.clear();
     for (const char* key : {"Tab", "shift+Tab", "space", "Return", "KP_Enter", "Up", "Down", "Left", "Right",
-                            "x", "control+Escape", "Escape"}) {
+                            "Prior", "Next", "Home", "End", "KP_Home", "x", "control+Escape", "Escape"}) {
         type(key);
     }
     using Key = KeyEvent::Key;
-    const std::vector<KeyEvent> wanted{{Key::tab},       {Key::backTab}, {Key::space}, {Key::returnKey},
-                                       {Key::returnKey}, {Key::up},      {Key::down},  {Key::left},
-                                       {Key::right},     {Key::escape}};
+    const std::vector<KeyEvent> wanted{{Key::tab},       {Key::backTab}, {Key::space},    {Key::returnKey},
+                                       {Key::returnKey}, {Key::up},      {Key::down},     {Key::left},
+                                       {Key::right},     {Key::pageUp},  {Key::pageDown}, {Key::home},
+                                       {Key::end},       {Key::home},    {Key::escape}};
     EXPECT_TRUE(comes([&] { return content_.keyEvents.size() >= wanted.size(); }));
     EXPECT_EQ(content_.keyEvents, wanted);
     EXPECT_EQ(observer_.escapes, 1);
@@ -137,7 +120,7 @@ TEST_F(PopoverTest, PressesOnOurOwnWindowsAreNotElsewhere) {
     SwatchContent secondContent;
     RecordingObserver secondObserver;
     const auto second = windowServer_->makePopoverWindow(secondContent, secondObserver);
-    second->place({600, 300});
+    second->place(anchorAbove(700, 300));
     second->orderFront();
     second->makeKeyWindow();
     ASSERT_TRUE(comes([&] { return bystander_->focused() == bystander_->windowAt({600, 300, 200, 120}); }));
@@ -162,7 +145,7 @@ TEST_F(PopoverTest, PressesOnOurOwnWindowsAreNotElsewhere) {
 TEST_F(PopoverTest, ThePointerIsToldInTheContentsPoints) {
     bystander_->setResources("Xft.dpi: 192");
     ASSERT_TRUE(comes([&] { return popover_->visibleFrame()->size.width == Xvfb::kWidth / 2; }));
-    popover_->place({100, 50});
+    popover_->place(anchorAbove(200, 50));
     popover_->orderFront();
     moveTo(220, 130);
     click(220, 130);
@@ -176,6 +159,23 @@ TEST_F(PopoverTest, ThePointerIsToldInTheContentsPoints) {
     EXPECT_EQ(std::count(events.begin(), events.end(), PointerEvent{Kind::press, {10, 15}}), 1);
     EXPECT_EQ(std::count(events.begin(), events.end(), PointerEvent{Kind::release, {10, 15}}), 1);
     EXPECT_EQ(events.front().kind, Kind::move);
+}
+
+TEST_F(PopoverTest, AWheelsNotchIsToldAsADistance) {
+    open();
+    for (const int button : {5, 4, 7, 6})
+        click(310, 115, button);
+    std::vector<PointerEvent> scrolls;
+    ASSERT_TRUE(comes([&] {
+        scrolls.clear();
+        std::copy_if(content_.pointerEvents.begin(), content_.pointerEvents.end(),
+                     std::back_inserter(scrolls),
+                     [](const PointerEvent& event) { return event.kind == PointerEvent::Kind::scroll; });
+        return scrolls.size() >= 4;
+    }));
+    const auto scroll = [](Point by) { return PointerEvent{PointerEvent::Kind::scroll, {10, 15}, by}; };
+    EXPECT_EQ(scrolls, (std::vector{scroll({0, 40}), scroll({0, -40}), scroll({40, 0}), scroll({-40, 0})}));
+    EXPECT_EQ(observer_.pressesOutside, 0);
 }
 
 TEST_F(PopoverTest, TheKeyboardThatGoesToAnotherProgramIsToldOnce) {
@@ -255,7 +255,7 @@ TEST_F(PopoverTest, GrowsAndShrinksFromItsTopLeftCorner) {
 
 TEST_F(PopoverTest, PaintsOnlyWhatChanged) {
     content_.size = {300, 300};  // large enough for shared memory
-    popover_->place({300, 100});
+    popover_->place(anchorAbove(450, 100));
     popover_->orderFront();
     settle();
     ASSERT_TRUE(shows(340, 140, kGreenPixel));
@@ -326,15 +326,22 @@ TEST_F(PopoverTest, GarbageSizesAndPlacesDoNoHarm) {
     const double endless = std::numeric_limits<double>::infinity();
     for (const Size size : {Size{none, 10}, Size{endless, endless}, Size{-5, 0}, Size{1e300, 1e300}}) {
         content_.size = size;
-        for (const Point at :
-             {Point{none, none}, Point{-endless, endless}, Point{1e18, -1e18}, Point{0, 0}}) {
-            popover_->place(at);
+        for (const Rect& anchor : {Rect{{none, none}, {none, 1}}, Rect{{-endless, endless}, {endless, -5}},
+                                   Rect{{1e18, -1e18}, {1e300, 0}}, Rect{}}) {
+            popover_->place(anchor);
+            popover_->setFrame(anchor);
             popover_->orderFront();
+            content_.onTheWay = Size{endless, size.height};
+            content_.rate = none;
+            content_.change();
+            settle();
+            content_.onTheWay.reset();
             popover_->orderOut();
         }
     }
     EXPECT_TRUE(connection_->isAlive());
     content_.size = {200, 120};
+    content_.rate = 0;
     open();
 }
 
@@ -344,7 +351,7 @@ TEST_F(PopoverTest, WorksWithoutSharedMemory) {
     content_.size = {600, 600};  // larger than one request
     content_.swatches.push_back({{{550, 550}, {40, 40}}, kBlue});
     make();
-    popover_->place({300, 50});
+    popover_->place(anchorAbove(600, 50));
     popover_->orderFront();
     waitForTheServer();
     EXPECT_TRUE(shows(300 + 40, 50 + 40, kGreenPixel));

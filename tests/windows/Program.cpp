@@ -9,12 +9,17 @@
 #include <fstream>
 #include <iterator>
 
+#include "platform/linux/LinuxUserDefaults.h"
+
 namespace norvane {
 
-Program::Program(const std::string& display) {
+Program::Program(const std::string& display, bool hasSeenWelcome) {
     std::string pattern = std::filesystem::temp_directory_path() / "norvane-program-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) return;
     folder_ = pattern;
+    const std::filesystem::path preferences = LinuxUserDefaults::pathIn(pattern.c_str(), nullptr);
+    std::filesystem::create_directories(preferences.parent_path());
+    if (hasSeenWelcome) std::ofstream(preferences) << "[defaults]\nhasSeenWelcome=true\n";
     const std::string errors = folder_ + "/errors";
     process_ = fork();
     if (process_ != 0) return;

@@ -10,8 +10,8 @@ namespace norvane {
 // latest, when this goes away.
 class Program {
  public:
-    // An empty display is none at all.
-    explicit Program(const std::string& display);
+    // An empty display is none at all. Its user has been welcomed before, or starts it for the first time.
+    explicit Program(const std::string& display, bool hasSeenWelcome = true);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;

@@ -12,6 +12,7 @@
 #include "platform/linux/CairoHandles.h"
 #include "platform/linux/CairoPainter.h"
 #include "platform/linux/PangoTextRuler.h"
+#include "platform/scripted/ScriptedMachine.h"
 #include "Program.h"
 #include "shell/PassthroughHostingView.h"
 
@@ -20,6 +21,9 @@ namespace {
 
 constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
 constexpr int kDashboardWidth = 520;
+constexpr int kSettingsWidth = 360;
+constexpr int kInfoWidth = 380;
+constexpr int kWelcomeWidth = 340;
 
 // The real program on a display without a window manager, as its user clicks it.
 class ProgramTest : public DesktopTest {
@@ -41,12 +45,25 @@ class ProgramTest : public DesktopTest {
     }
     bool stripIsPainted() const { return bystander_->windowAt(kStrip) && colours(kStrip) > 8; }
     // The dashboard's place, once its window is there and painted.
-    std::optional<PixelRect> dashboard() const {
+    std::optional<PixelRect> dashboard() const { return popover(kDashboardWidth); }
+    // Likewise of any popover, by its width.
+    std::optional<PixelRect> popover(int width) const {
         for (const xcb_window_t window : bystander_->windows()) {
             const PixelRect frame = bystander_->frameOf(window);
-            if (frame.width == kDashboardWidth && colours(frame) > 32) return frame;
+            if (frame.width == width && colours(frame) > 32) return frame;
         }
         return std::nullopt;
+    }
+    bool comesUp(int width) {
+        return comes([&] { return popover(width).has_value(); });
+    }
+    bool goesAway(int width) {
+        return comes([&] { return !popover(width); });
+    }
+    // The buttons in the dashboard's header, the last one 0, 20 points wide and 6 apart.
+    void clickHeader(int fromLast) {
+        const PixelRect frame = *dashboard();
+        click(frame.x + frame.width - 12 - 10 - 26 * fromLast, frame.y + 12 + 10);
     }
     void clickStrip() { click(kStrip.x + 27, 11); }
     bool opens() {
@@ -63,14 +80,14 @@ class ProgramTest : public DesktopTest {
 class ExpectedLabel {
  public:
     std::vector<std::uint32_t> cpuColumn(double percent, double ramUsed) {
-        SwitchedAppearance light;
         MenuBarStatsModel model;
-        PassthroughHostingView view(model, ruler_, light);
+        PassthroughHostingView view(model, machine_.platform(ruler_));
         model.cpuPercent.set(percent);
         model.ramUsedGB.set(ramUsed);
-        DisplayList list = view.displayList({54, 22}, {});
+        DisplayList list = view.displayList({54, 22}, machine_.time.monotonic());
         const Rect all{{}, {54, 22}};
-        list.items.insert(list.items.begin(), {"back", all, FillShape{{all, 0}, panelTones(false).strip}});
+        list.items.insert(list.items.begin(),
+                          {"back", all, FillShape{RoundedRect{all, 0}, panelTones(false).strip}});
         const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, 54, 22));
         const PixelRect whole{0, 0, 54, 22};
         CairoPainter(layouts_).paint(surface.get(), {}, list, {&whole, 1});
@@ -101,6 +118,7 @@ class ExpectedLabel {
     static constexpr PixelRect kColumn{3, 2, 22, 17};
 
  private:
+    ScriptedMachine machine_;
     TextLayouts layouts_;
     PangoTextRuler ruler_{layouts_};
 };
@@ -153,6 +171,46 @@ TEST_F(ProgramTest, AClickOpensTheDashboardUnderTheItemAndEveryWayClosesIt) {
         EXPECT_TRUE(closes()) << way.name;
     }
     EXPECT_EQ(bystander_->presses(), 1) << "the click that closed it reached the other window";
+}
+
+TEST_F(ProgramTest, TheHeadersButtonsOpenTheirPopoversInItsPlaceOrBesideIt) {
+    for (const auto& [fromLast, width] : {std::pair{0, kInfoWidth}, std::pair{1, kSettingsWidth}}) {
+        clickStrip();
+        ASSERT_TRUE(opens()) << program_->errors();
+        clickHeader(fromLast);
+        ASSERT_TRUE(comesUp(width)) << program_->errors();
+        EXPECT_TRUE(closes());
+        EXPECT_EQ(popover(width)->x + width, Xvfb::kWidth - 8);
+        type("Escape");
+        EXPECT_TRUE(goesAway(width));
+    }
+    clickStrip();
+    ASSERT_TRUE(opens());
+    clickHeader(2);
+    clickHeader(1);
+    ASSERT_TRUE(comesUp(kSettingsWidth));
+    EXPECT_TRUE(dashboard()) << "pinned, it stays";
+    type("Escape");
+    EXPECT_TRUE(goesAway(kSettingsWidth));
+    click(20, 600);
+    clickStrip();
+    EXPECT_TRUE(dashboard()) << "nothing else closes it";
+    clickHeader(2);
+    clickStrip();
+    EXPECT_TRUE(closes()) << "no longer pinned";
+}
+
+TEST_F(ProgramTest, TheFirstStartWelcomesAndGoesOnToTheDashboard) {
+    program_ = std::make_unique<Program>(xvfb_.display(), false);
+    ASSERT_TRUE(comesUp(kWelcomeWidth)) << program_->errors();
+    type("Escape");
+    EXPECT_TRUE(goesAway(kWelcomeWidth));
+    clickStrip();
+    ASSERT_TRUE(comesUp(kWelcomeWidth)) << "dismissed is not seen";
+    type("Tab");
+    type("Return");
+    EXPECT_TRUE(opens()) << program_->errors();
+    EXPECT_FALSE(popover(kWelcomeWidth));
 }
 
 TEST_F(ProgramTest, TheQuitRowEndsItAndSoDoesASignal) {

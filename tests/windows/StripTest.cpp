@@ -92,6 +92,27 @@ TEST_F(StripTest, ManyChangesAreOneRepaint) {
     EXPECT_EQ(content_.pictures, before + 1);
 }
 
+TEST_F(StripTest, MovesWhileSomethingInItMovesAndItCanBeSeen) {
+    using namespace std::chrono_literals;
+    content_.rate = 50;
+    show();
+    ASSERT_TRUE(comes([&] { return content_.pictures > 10; }));
+    EXPECT_GE(content_.times.back() - content_.times.front(), 9 * 20ms);
+    xcb_unmap_window(bystander_->get(), window());
+    bystander_->sync();
+    settle();
+    int before = content_.pictures;
+    content_.change();
+    turn(200ms);
+    EXPECT_EQ(content_.pictures, before) << "off the screen";
+    ASSERT_TRUE(comes([&] { return content_.pictures > before + 3; })) << "offered again, it goes on";
+    content_.rate = 0;
+    turn(100ms);
+    before = content_.pictures;
+    turn(200ms);
+    EXPECT_EQ(content_.pictures, before) << "nothing moves any more";
+}
+
 TEST_F(StripTest, PaintsAgainWhatWasCovered) {
     show();
     const xcb_window_t cover = bystander_->open({kStrip.x, 0, 40, 22});

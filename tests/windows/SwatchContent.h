@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,36 +17,46 @@ class SwatchContent final : public SurfaceContent {
     };
 
     Size size{200, 120};
+    // Where it is on its way to that size; none once it is there.
+    std::optional<Size> onTheWay;
     std::vector<Swatch> swatches;
-    // Painted instead of the swatches where it has items.
-    DisplayList list;
+    double rate = 0;
     bool usesKeys = false;
 
     int pictures = 0;
+    Size most;  // what it was offered last
     std::vector<Size> sizes;
+    std::vector<MonotonicInstant> times;
     std::vector<PointerEvent> pointerEvents;
     std::vector<KeyEvent> keyEvents;
 
     void change() { tellChanged(); }
 
-    Size fittingSize() override { return size; }
-    DisplayList displayList(Size given, MonotonicInstant) override {
+    void appear() override {}
+    void disappear() override {}
+    Size fittingSize(Size offered) override {
+        most = offered;
+        return size;
+    }
+    DisplayList displayList(Size given, MonotonicInstant at) override {
         ++pictures;
         sizes.push_back(given);
-        if (!list.items.empty()) return list;
-        DisplayList painted{given, {}};
+        times.push_back(at);
+        DisplayList painted{onTheWay.value_or(given), {}};
         for (std::size_t i = 0; i < swatches.size(); ++i) {
-            painted.items.push_back(
-                {std::to_string(i), swatches[i].rect, FillShape{{swatches[i].rect, 0}, swatches[i].color}});
+            painted.items.push_back({std::to_string(i), swatches[i].rect,
+                                     FillShape{RoundedRect{swatches[i].rect, 0}, swatches[i].color}});
         }
         return painted;
     }
-    AccessibleNode accessibleTree() const override { return {}; }
+    double frameRate() const override { return rate; }
+    AccessibleNode accessibleTree() override { return {}; }
     void pointer(const PointerEvent& event) override { pointerEvents.push_back(event); }
     bool key(const KeyEvent& event) override {
         keyEvents.push_back(event);
         return usesKeys;
     }
+    bool perform(std::string_view, std::string_view) override { return false; }
 };
 
 }  // namespace norvane

@@ -1,0 +1,145 @@
+#include "PlayedTree.h"
+
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace norvane {
+namespace {
+
+constexpr unsigned kKeys = static_cast<unsigned>(KeyEvent::Key::end) + 1;
+
+// In points, somewhat less than there usually is.
+const FrameSize kFixed{.width = 180, .height = 110};
+
+}  // namespace
+
+PlayedTree::PlayedTree(Choices& choices, TextRuler* ruler)
+    : choices_(choices),
+      maker_(choices),
+      plan_(maker_.tree()),
+      isFixed_(plan_.choices[1] % 2 == 0),
+      view_([this] { return body(); }, machine_.platform(ruler != nullptr ? *ruler : machine_.textRuler)) {
+    view_.setChangeHandler([this] { ++changes_; });
+    closeOrOpen();
+}
+
+Element PlayedTree::body() {
+    Element tree = elementOf(plan_, [this](unsigned what) { happened(what); });
+    return isFixed_ ? std::move(tree).frame(kFixed) : std::move(tree);
+}
+
+void PlayedTree::step() {
+    switch (choices_.below(16)) {
+        case 0:
+        case 1:
+        case 2:
+        case 3:
+            if (const auto animation = maker_.animation()) {
+                view_.animate(*animation, [this] { maker_.change(plan_); });
+            } else {
+                view_.change([this] { maker_.change(plan_); });
+            }
+            break;
+        case 4:
+        case 5:
+            point();
+            break;
+        case 6:
+            type();
+            break;
+        case 7:
+            if (choices_.below(4) == 0) {
+                machine_.appearance.setDark(!machine_.appearance.isDark());
+            } else {
+                performAny(view_.accessibleTree());
+            }
+            break;
+        case 8:
+            if (!isShown_ || choices_.below(3) == 0) {
+                closeOrOpen();
+            } else {
+                most_ = {100 + choices_.fraction() * 120, 60 + choices_.fraction() * 120};
+            }
+            break;
+        default: {
+            const double milliseconds = choices_.fraction() * 300;
+            const bool isTime = milliseconds >= 0 && milliseconds < 1e7;
+            machine_.advance(std::chrono::microseconds(isTime ? std::llround(milliseconds * 1000) : 0));
+        }
+    }
+    machine_.settle();
+}
+
+DisplayList PlayedTree::picture() {
+    size_ = view_.fittingSize(most_);
+    return view_.displayList(size_, machine_.time.monotonic());
+}
+
+// Something has become of what somebody did.
+void PlayedTree::happened(unsigned what) {
+    if (what % 3 == 0) return;
+    const auto changes = [this, what] {
+        TreePlan& plan = plan_.at(what % plan_.count());
+        plan.numbers[what % plan.numbers.size()] = (what % 7) / 7.0;
+        plan.choices[what % plan.choices.size()] += 1;
+    };
+    if (what % 2 == 0) {
+        view_.animate(Animation::easeOut(0.2), changes);
+    } else {
+        view_.change(changes);
+    }
+}
+
+void PlayedTree::point() {
+    const Point at = anywhere();
+    switch (choices_.below(6)) {
+        case 0:
+        case 1:
+            view_.pointer({PointerEvent::Kind::move, at});
+            break;
+        case 2:
+            view_.pointer({PointerEvent::Kind::leave, {}});
+            break;
+        case 3:
+            view_.pointer({PointerEvent::Kind::press, at});
+            break;
+        case 4:
+            view_.pointer({PointerEvent::Kind::press, at});
+            view_.pointer({PointerEvent::Kind::release, at});
+            break;
+        default:
+            view_.pointer({PointerEvent::Kind::scroll, at, {0, choices_.fraction() * 80 - 20}});
+    }
+}
+
+void PlayedTree::type() {
+    // Mostly to get about.
+    const unsigned key = choices_.below(kKeys + 4);
+    view_.key({key < kKeys ? static_cast<KeyEvent::Key>(key) : KeyEvent::Key::tab});
+}
+
+void PlayedTree::closeOrOpen() {
+    isShown_ = !isShown_;
+    if (isShown_) {
+        view_.appear();
+    } else {
+        view_.disappear();
+    }
+}
+
+// Those who do not see it do something with it.
+void PlayedTree::performAny(const AccessibleNode& node) {
+    if (!node.actions.empty() && choices_.isSo()) {
+        view_.perform(node.key, node.actions[choices_.below(static_cast<unsigned>(node.actions.size()))]);
+        return;
+    }
+    if (node.children.empty()) return;
+    performAny(node.children[choices_.below(static_cast<unsigned>(node.children.size()))]);
+}
+
+Point PlayedTree::anywhere() {
+    return {choices_.fraction() * most_.width, choices_.fraction() * most_.height};
+}
+
+}  // namespace norvane
