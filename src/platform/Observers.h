@@ -30,6 +30,8 @@ class Observers {
         });
     }
 
+    std::size_t count() const { return list_->size(); }
+
     void tell(const Arguments&... arguments) const {
         if (list_->empty()) return;
         const List round = *list_;

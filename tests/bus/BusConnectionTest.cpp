@@ -231,6 +231,9 @@ TEST_F(BusConnectionTest, WaitsForASilentBusNoLongerThanForAnAnswer) {
     const auto impatientCall = connection.call(call, impatient.taker());
     Outcome usual;
     const auto usualCall = connection.call(getId(), usual.taker());
+    Outcome patient;
+    call.limit.reset();
+    const auto patientCall = connection.call(call, patient.taker());
     slow.advance(0ns);
     slow.advance(1999ms);
     EXPECT_EQ(impatient.answers, 0);
@@ -242,6 +245,7 @@ TEST_F(BusConnectionTest, WaitsForASilentBusNoLongerThanForAnAnswer) {
     EXPECT_EQ(usual.answers, 1);
     EXPECT_TRUE(runUntil([&] { return connection.state() == State::down; }));
     EXPECT_EQ(usual.answers + impatient.answers, 2);
+    EXPECT_EQ(patient.answers, 1) << "there is nobody to wait for";
 }
 
 TEST_F(BusConnectionTest, GoesAwayAtAnyMoment) {

@@ -52,7 +52,7 @@ class WorkspaceTest : public testing::Test {
     LinuxMainQueue queue;
     BusConnection connection{queue, bus.address(), kAtOnce};
     CountingQueue others;
-    LinuxWorkspace workspace{connection, others, 300ms};
+    LinuxWorkspace workspace{connection, connection, queue, others, RootFolder(""), 300ms};
 };
 
 TEST_F(WorkspaceTest, GivesLinksToThePortalAndNothingElse) {
@@ -118,14 +118,14 @@ TEST(HandlerCommand, HasTheLinkWhereTheProgramWantsIt) {
             << (each.exec ? each.exec : "null");
 }
 
-// What the other process of the test below does. Like the program it has signals that are blocked and one that is
-// ignored.
+// What the other process of the test below does. Like the program it has signals that are blocked and one
+// that is ignored.
 void openLinksAndTell(const std::string& folder) {
     LinuxMainQueue queue;
     const LinuxApplication application(queue);
     LinuxBackgroundQueue background;
     BusConnection noBus(queue, "", kAtOnce);
-    LinuxWorkspace workspace(noBus, background);
+    LinuxWorkspace workspace(noBus, noBus, queue, background, RootFolder(""));
     workspace.openURL("Mailto:x");  // nobody takes it
     workspace.openURL("https://example.org/$(id) 'b'");
     const bool isStarted = runUntil([&] { return std::filesystem::exists(folder + "/told"); });
@@ -154,14 +154,13 @@ TEST(HandlerProgram, IsStartedWithTheLinkAndFreeSignalsAndLeavesNoChild) {
                  "[Desktop Entry]\nType=Application\nName=Handler\nExec=" + path + "/handler first %u\n");
     folder.write("/config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=handler.desktop\n");
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-    ChildProcess other(
-        {self, "--gtest_filter=HandlerProgram.*", "--gtest_output=", "--gtest_brief=1"},
-        {{kFolderVariable, path},
-         {"XDG_DATA_HOME", path + "/data"},
-         {"XDG_CONFIG_HOME", path + "/config"},
-         {"XDG_DATA_DIRS", path + "/none"},
-         {"XDG_CONFIG_DIRS", path + "/none"},
-         {"XDG_CURRENT_DESKTOP", ""}});
+    ChildProcess other({self, "--gtest_filter=HandlerProgram.*", "--gtest_output=", "--gtest_brief=1"},
+                       {{kFolderVariable, path},
+                        {"XDG_DATA_HOME", path + "/data"},
+                        {"XDG_CONFIG_HOME", path + "/config"},
+                        {"XDG_DATA_DIRS", path + "/none"},
+                        {"XDG_CONFIG_DIRS", path + "/none"},
+                        {"XDG_CURRENT_DESKTOP", ""}});
     ASSERT_TRUE(runUntil([&] { return std::filesystem::exists(path + "/verdict"); }));
     ASSERT_TRUE(runUntil([&] { return !contentsOf(path + "/verdict").empty(); }));
     EXPECT_EQ(contentsOf(path + "/verdict"), "started");

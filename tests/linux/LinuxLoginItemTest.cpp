@@ -10,6 +10,7 @@
 #include <sstream>
 #include <vector>
 
+#include "linux/HeldQueue.h"
 #include "linux/RunLoop.h"
 #include "linux/TemporaryFolder.h"
 #include "platform/linux/AutostartFiles.h"
@@ -26,17 +27,8 @@ constexpr const char* kUsers = "/home/autostart/norvane.desktop";
 constexpr const char* kEverybodys = "/second/autostart/norvane.desktop";
 constexpr const char* kEntry = "[Desktop Entry]\nType=Application\nExec=other\n";
 
-// A queue that runs its tasks when the test says so: a disk that does not answer until then.
-class HeldQueue final : public BackgroundQueue {
- public:
-    void async(Task task) override { tasks.push_back(std::move(task)); }
-    void asyncAfter(std::chrono::nanoseconds, Task task) override { tasks.push_back(std::move(task)); }
-
-    std::vector<Task> tasks;
-};
-
-// Root may write everywhere: for a while all threads of such a process are somebody who owns the folder, but has
-// no other rights. Does nothing to anybody else.
+// Root may write everywhere: for a while all threads of such a process are somebody who owns the folder, but
+// has no other rights. Does nothing to anybody else.
 class AsNobody {
  public:
     explicit AsNobody(const std::string& folder) {
@@ -51,7 +43,8 @@ class AsNobody {
     ~AsNobody() {
         if (!isRoot_) return;
         EXPECT_EQ(seteuid(0), 0);
-        prctl(PR_SET_DUMPABLE, 1);  // taken by the change, and asked for by whoever looks for leaks at the end
+        prctl(PR_SET_DUMPABLE,
+              1);  // taken by the change, and asked for by whoever looks for leaks at the end
     }
 
  private:

@@ -17,38 +17,22 @@
 #include <thread>
 #include <vector>
 
+#include "HeldQueue.h"
+#include "MountNamespace.h"
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/LinuxMainQueue.h"
+#include "platform/linux/MountWatch.h"
 #include "platform/linux/Volumes.h"
+#include "RunLoop.h"
 
 namespace norvane {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
-// Real mounts, which only this process sees: each test runs itself once more as the administrator of a
-// namespace of its own, which no privilege is needed for, and does its work there.
 class MountNamespaceTest : public testing::Test {
  protected:
-    // Whether this is the process with the namespace. In the other one, the test is over then.
-    bool enter() {
-        std::ifstream stream("/proc/self/cmdline");
-        for (std::string argument; std::getline(stream, argument, '\0');) {
-            if (argument != kInside) continue;
-            prepare();
-            return true;
-        }
-        runAgain();
-        return false;
-    }
-
-    static bool mountAt(const std::string& point, const char* type, const char* source,
-                        unsigned long flags = 0, const std::string& data = "") {
-        ::mkdir(point.c_str(), 0700);
-        const bool isDone = ::mount(source, point.c_str(), type, flags, data.c_str()) == 0;
-        EXPECT_TRUE(isDone) << point << ": " << std::strerror(errno);
-        return isDone;
-    }
-
     std::vector<std::string> readPaths() {
         std::vector<std::string> paths;
         if (const auto list = volumes.read()) {
@@ -58,39 +42,9 @@ class MountNamespaceTest : public testing::Test {
         return paths;
     }
 
-    // A folder that is ours alone and where volumes may be mounted.
-    std::string base;
+    MountNamespace own{"-rm"};
+    const std::string& base = own.base();
     Volumes volumes{RootFolder(""), SystemCalls::real()};
-
- private:
-    // Tells the process in the namespace what it is.
-    static constexpr const char* kInside = "in-its-own-namespace";
-
-    void prepare() {
-        for (const char* folder : {"/mnt", "/media", "/srv", "/opt"}) {
-            if (fs::is_directory(folder)) base = folder;
-        }
-        ASSERT_FALSE(base.empty());
-        ASSERT_TRUE(mountAt(base, "tmpfs", "none"));
-    }
-
-    void runAgain() {
-        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-        const std::string command = "unshare -rm '" + fs::read_symlink("/proc/self/exe").string() +
-                                    "' --gtest_filter=" + test->test_suite_name() + '.' + test->name() + ' ' +
-                                    kInside + " 2>&1";
-        if (::system("unshare -rm true 2>/dev/null") != 0) GTEST_SKIP() << "no namespaces for users here";
-        FILE* const output = ::popen(command.c_str(), "r");
-        ASSERT_NE(output, nullptr);
-        std::string text;
-        std::array<char, 4096> buffer{};
-        while (const std::size_t length = ::fread(buffer.data(), 1, buffer.size(), output))
-            text.append(buffer.data(), length);
-        const int status = ::pclose(output);
-        EXPECT_EQ(status, 0) << text;
-        EXPECT_NE(text.find("Running 1 test "), std::string::npos) << text;
-        if (text.find("[  SKIPPED ]") != std::string::npos) GTEST_SKIP() << text;
-    }
 };
 
 // A file system in user space whose server is this process. Until it is told to serve, nobody answers.
@@ -108,6 +62,8 @@ class OwnServer {
     }
 
     bool isPossible() const { return static_cast<bool>(device_); }
+    // A device serves one mount.
+    void renew() { device_ = FileDescriptor(::open("/dev/fuse", O_RDWR | O_CLOEXEC)); }
     void setPoint(const std::string& point) { point_ = point; }
     std::string mountOptions() const {
         return "fd=" + std::to_string(device_.get()) + ",rootmode=40000,user_id=0,group_id=0";
@@ -173,21 +129,84 @@ std::size_t threadsForServers() {
 }
 
 TEST_F(MountNamespaceTest, BindMountsAddNothingAndWhatIsCoveredGoes) {
-    if (!enter()) return;
+    if (!own.enter()) return;
     const std::vector<std::string> before = readPaths();
-    ASSERT_TRUE(mountAt(base + "/copy of it", "", "/", MS_BIND | MS_REC));
-    ASSERT_TRUE(mountAt(base + "/home", "", "/usr", MS_BIND));
+    ASSERT_TRUE(MountNamespace::mountAt(base + "/copy of it", "", "/", MS_BIND | MS_REC));
+    ASSERT_TRUE(MountNamespace::mountAt(base + "/home", "", "/usr", MS_BIND));
     EXPECT_EQ(readPaths(), before);
 }
 
+std::size_t openTables() {
+    std::size_t count = 0;
+    for (const auto& file : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (fs::read_symlink(file.path(), gone).filename() == "mountinfo") ++count;
+    }
+    return count;
+}
+
+TEST_F(MountNamespaceTest, ListenersHearOfVolumesThatComeAndGo) {
+    if (!own.enter()) return;
+    OwnServer silent;
+    if (!silent.isPossible()) GTEST_SKIP() << "no file systems in user space here";
+    const std::string point = base + "/my server";
+    const auto isListed = [&] {
+        const auto list = volumes.readRemovable();
+        return list && std::any_of(list->begin(), list->end(),
+                                   [&](const VolumeURL& each) { return each.path() == point; });
+    };
+    LinuxMainQueue queue;
+    HeldQueue background;
+    const auto comes = [&](auto holds) {
+        return runUntil([&] {
+            background.runAll();
+            return holds();
+        });
+    };
+    MountWatch watch(queue, background, RootFolder(""));
+    int mounted = 0;
+    int unmounted = 0;
+    {
+        const auto onMount = watch.onDidMount([&] { ++mounted; });
+        const auto onUnmount = watch.onDidUnmount([&] { ++unmounted; });
+        EXPECT_EQ(openTables(), 1u);
+        background.runAll();
+        for (const int round : {1, 2}) {
+            ASSERT_TRUE(MountNamespace::mountAt(base + "/plumbing", "tmpfs", "none"));
+            ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, silent.mountOptions()));
+            EXPECT_TRUE(comes([&] { return mounted == round; }));
+            EXPECT_TRUE(isListed()) << "without a word to its server";
+            EXPECT_EQ(unmounted, round - 1);
+            ASSERT_EQ(::umount2(point.c_str(), MNT_DETACH), 0);
+            ASSERT_EQ(::umount((base + "/plumbing").c_str()), 0);
+            EXPECT_TRUE(comes([&] { return unmounted == round; }));
+            EXPECT_FALSE(isListed());
+            EXPECT_EQ(mounted, round);
+            silent.renew();
+        }
+    }
+    EXPECT_EQ(openTables(), 0u) << "nobody listens";
+
+    const auto onMount = watch.onDidMount([&] { ++mounted; });
+    ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, silent.mountOptions()));
+    ASSERT_EQ(background.tasks.size(), 1u);
+    EXPECT_TRUE(comes([&] { return mounted == 3; })) << "before the first look at the table";
+}
+
+TEST(MountWatchPace, IsQuietForLongWhereALookTakesLong) {
+    EXPECT_EQ(MountWatch::quietAfter(0ns), 200ms);
+    EXPECT_EQ(MountWatch::quietAfter(20ms), 200ms);
+    EXPECT_EQ(MountWatch::quietAfter(21ms), 210ms);
+}
+
 TEST_F(MountNamespaceTest, AServerThatHangsIsLeftOutUntilItAnswers) {
-    if (!enter()) return;
+    if (!own.enter()) return;
     OwnServer server;
     if (!server.isPossible()) GTEST_SKIP() << "no file systems in user space here";
     const std::vector<std::string> before = readPaths();
     const std::string point = base + "/my server";
     server.setPoint(point);
-    ASSERT_TRUE(mountAt(point, "fuse.sshfs", "ada@host:", 0, server.mountOptions()));
+    ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, server.mountOptions()));
     EXPECT_EQ(readPaths(), before);
     EXPECT_EQ(threadsForServers(), 1u);
     EXPECT_EQ(readPaths(), before);
@@ -210,11 +229,11 @@ TEST_F(MountNamespaceTest, AServerThatHangsIsLeftOutUntilItAnswers) {
                                     false};
     EXPECT_EQ(found->resourceValues(), want);
 
-    ASSERT_TRUE(mountAt(point, "tmpfs", "none"));
+    ASSERT_TRUE(MountNamespace::mountAt(point, "tmpfs", "none"));
     EXPECT_EQ(readPaths(), before) << "mounted over";
     ASSERT_EQ(::umount(point.c_str()), 0);
     EXPECT_EQ(readPaths().size(), before.size() + 1);
-    ASSERT_TRUE(mountAt(base, "tmpfs", "none"));
+    ASSERT_TRUE(MountNamespace::mountAt(base, "tmpfs", "none"));
     EXPECT_EQ(readPaths(), before) << "mounted over as a whole";
     ASSERT_EQ(::umount(base.c_str()), 0);
 }

@@ -409,11 +409,38 @@ TEST_F(VolumesTest, TheWayToADiskMayLeadPastAHungServer) {
     EXPECT_EQ(servers.callsOut(), 2u);
 }
 
+TEST_F(VolumesTest, ARemovableOneIsMeasuredAtOnceAndNobodyElseIsAsked) {
+    addDisk("8:1", kPCI + "/ata1/host0/target0:0:0/0:0:0:0/block/sda"s);
+    addDisk("8:16", kUSB + "/block/sdb"s);
+    addDisk("8:32", kUSB + "/block/sdc"s);
+    addDisk("7:0", "/sys/devices/virtual/block/loop0");
+    mount("8:1", "/", "/", "ext4", "/dev/sda1");
+    mount("0:60", "/", "/mnt/nas", "nfs4", "nas:/export");
+    mount("7:0", "/", "/mnt/nas/image", "ext4", "/dev/loop0");
+    mount("8:16", "/", "/media/ada/STICK", "vfat", "/dev/sdb");
+    mount("8:32", "/", "/media/ada/GONE", "vfat", "/dev/sdc");
+    servers.setFailing("/media/ada/GONE");
+    servers.hang("/mnt/nas");
+    const auto list = volumes.readRemovable();
+    ASSERT_TRUE(list);
+    const VolumeResourceValues nobodys{{}, {}, {}, {}, false, false};
+    EXPECT_EQ(*list,
+              (std::vector<VolumeURL>{
+                  {"/", VolumeResourceValues{{}, {}, {}, true, true, false}},
+                  {"/mnt/nas", nobodys},
+                  {"/mnt/nas/image", VolumeResourceValues{{}, {}, {}, false, false, true}},
+                  {"/media/ada/STICK", VolumeResourceValues{{}, 500 * kGiB, 200 * kGiB, false, false, true}},
+                  {"/media/ada/GONE", std::nullopt}}));
+    EXPECT_EQ(servers.takeAsked(), (std::vector<std::string>{"/media/ada/STICK", "/media/ada/GONE"}));
+}
+
 TEST_F(VolumesTest, TheFileManagerHandsTheListOn) {
     mount("8:1", "/", "/", "ext4", "/dev/sda1");
     LinuxKernel kernel(machine.root(), system.calls, LinuxKernel::Lanes::sameThread());
     EXPECT_EQ(kernel.fileManager().mountedVolumeURLs(TickToken::none()), read());
+    EXPECT_EQ(kernel.fileManager().mountedVolumeURLs(), volumes.readRemovable());
     machine.remove("/proc/self/mountinfo");
+    EXPECT_FALSE(kernel.fileManager().mountedVolumeURLs());
     EXPECT_FALSE(kernel.fileManager().mountedVolumeURLs(TickToken::none()));
 }
 

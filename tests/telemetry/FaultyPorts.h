@@ -174,15 +174,20 @@ class FaultyPowerSources final : public PowerSources {
 
 class FaultyFileManager final : public FileManager {
  public:
-    FaultyFileManager(FileManager& healthy, Operations& all) : healthy_(healthy), urls_(all) {}
+    FaultyFileManager(FileManager& healthy, Operations& all) : healthy_(healthy), urls_(all), now_(all) {}
 
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override {
         return urls_(healthy_.mountedVolumeURLs(tick));
     }
+    std::optional<std::vector<VolumeURL>> mountedVolumeURLs() override {
+        now_();
+        return healthy_.mountedVolumeURLs();
+    }
 
  private:
     FileManager& healthy_;
-    FaultyOperation<&FileManager::mountedVolumeURLs> urls_;
+    FaultyOperation<kVolumesOfTick> urls_;
+    UnaskedOperation<kVolumesNow> now_;
 };
 
 class FaultyUserDefaults final : public UserDefaults {

@@ -589,8 +589,20 @@ inline void setVolumes(Outcome& o, std::vector<DiskSnapshot> volumes, bool isLow
     if (!isLow) takeBack(o, "Storage Warning");
 }
 
+// The operation has a second form.
+inline constexpr auto kVolumesOfTick =
+    static_cast<std::optional<std::vector<VolumeURL>> (FileManager::*)(TickToken)>(
+        &FileManager::mountedVolumeURLs);
+inline constexpr auto kVolumesNow =
+    static_cast<std::optional<std::vector<VolumeURL>> (FileManager::*)()>(&FileManager::mountedVolumeURLs);
+
 template <>
-struct FaultsOf<&FileManager::mountedVolumeURLs> {
+struct FaultsOf<kVolumesNow> {
+    static constexpr const char* kName = "mountedVolumeURLs, now";
+    static constexpr const char* kWhyNotAsked = "asked by the list of removable volumes";
+};
+template <>
+struct FaultsOf<kVolumesOfTick> {
     static constexpr const char* kName = "mountedVolumeURLs";
     using URLs = std::vector<VolumeURL>;
     static std::vector<Fault<std::optional<URLs>>> faults() {

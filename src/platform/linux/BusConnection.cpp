@@ -45,7 +45,7 @@ struct WaitingCall {
     BusConnection::Call call;
     GVariantPointer parameters;
     std::shared_ptr<Asker> asker;
-    MonotonicInstant deadline;
+    std::optional<MonotonicInstant> deadline;
     Cancellation limit;
 };
 
@@ -92,7 +92,7 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     void lose();
     void pauseThenAttempt();
     void setState(State state);
-    void send(const Call& call, GVariant* parameters, MonotonicInstant deadline,
+    void send(const Call& call, GVariant* parameters, std::optional<MonotonicInstant> deadline,
               std::shared_ptr<Asker> asker);
     void subscribe(const std::shared_ptr<Subscription>& subscription);
     void unsubscribe(Subscription& subscription);
@@ -228,29 +228,36 @@ void BusConnection::Link::setState(State state) {
 Cancellation BusConnection::Link::call(const Call& call, Answered answered) {
     GVariantPointer parameters(call.parameters != nullptr ? g_variant_ref_sink(call.parameters) : nullptr);
     const auto asker = std::make_shared<Asker>(Asker{std::move(answered)});
-    const auto deadline = deadlineAfter(clock_.now(), call.limit);
+    std::optional<MonotonicInstant> deadline;
+    if (call.limit) deadline = deadlineAfter(clock_.now(), *call.limit);
     if (connection_) {
         send(call, parameters.get(), deadline, asker);
     } else {
         const std::uint64_t number = callCount_++;
-        auto limit = mainQueue_.after(call.limit, [weak = weak_from_this(), number] {
+        const auto end = [weak = weak_from_this(), number] {
             const auto link = weak.lock();
             const auto late = link ? link->waiting_.extract(number) : decltype(waiting_)::node_type();
             if (!late) return;
             const GErrorPointer error(
                 g_error_new_literal(G_IO_ERROR, G_IO_ERROR_TIMED_OUT, "The bus does not answer"));
             late.mapped().asker->tell(nullptr, error.get());
-        });
+        };
+        Cancellation limit;
+        if (call.limit) limit = mainQueue_.after(*call.limit, end);
         waiting_.emplace(number, WaitingCall{call, std::move(parameters), asker, deadline, std::move(limit)});
         if (state_ == State::down && !attempt_) attemptAfter(0ns);
     }
     return Cancellation([asker] { asker->answered = nullptr; });
 }
 
-void BusConnection::Link::send(const Call& call, GVariant* parameters, MonotonicInstant deadline,
-                               std::shared_ptr<Asker> asker) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - clock_.now());
-    const auto limit = std::clamp(left, 1ms, std::chrono::milliseconds(G_MAXINT));
+void BusConnection::Link::send(const Call& call, GVariant* parameters,
+                               std::optional<MonotonicInstant> deadline, std::shared_ptr<Asker> asker) {
+    constexpr std::chrono::milliseconds kNone{G_MAXINT};  // to GLib
+    auto limit = kNone;
+    if (deadline) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - clock_.now());
+        limit = std::clamp(left, 1ms, kNone);
+    }
     g_dbus_connection_call(connection_.get(), call.name, call.path, call.interface, call.method, parameters,
                            call.answerType, call.flags, static_cast<int>(limit.count()), nullptr,
                            Link::answered, new std::shared_ptr<Asker>(std::move(asker)));

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Cancellation.h"
@@ -55,7 +56,7 @@ class BusConnection {
     // Told of every change, the first one always after the construction has returned.
     [[nodiscard]] Cancellation onStateChange(std::function<void(State)> observer);
 
-    // The texts are literals.
+    // The texts are literals, or live until the call is answered or cancelled.
     struct Call {
         const char* name;
         const char* path;
@@ -66,8 +67,9 @@ class BusConnection {
         // An answer of another type is an error; null takes any.
         const GVariantType* answerType = nullptr;
         GDBusCallFlags flags = G_DBUS_CALL_FLAGS_NONE;
-        // From now on; what is spent on connecting counts.
-        std::chrono::milliseconds limit = kUsualLimit;
+        // From now on; what is spent on connecting counts. Without one, a service may take for ever, as long
+        // as it is there.
+        std::optional<std::chrono::milliseconds> limit = kUsualLimit;
     };
     // Either an answer or an error, valid until the function returns.
     using Answered = std::function<void(GVariant* answer, const GError* error)>;

@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxDispatch.h"
 
+#include <utility>
+
 #include "platform/linux/LinuxSerialQueue.h"
 
 namespace norvane {
@@ -17,6 +19,10 @@ LinuxMainQueue& LinuxDispatch::mainQueue() {
 
 LinuxBackgroundQueue& LinuxDispatch::backgroundQueue() {
     return queues_->background;
+}
+
+void LinuxDispatch::keep(std::shared_ptr<void> usedByTasks) {
+    queues_->usedByTasks = std::move(usedByTasks);
 }
 
 std::unique_ptr<SerialQueue> LinuxDispatch::makeSerialQueue(std::string_view label) {

@@ -22,11 +22,16 @@ class LinuxDispatch final : public Dispatch {
     LinuxMainQueue& mainQueue() override;
     LinuxBackgroundQueue& backgroundQueue() override;
 
+    // Goes away no sooner than the queues, and than every background task that is still running then.
+    // Main thread, once.
+    void keep(std::shared_ptr<void> usedByTasks);
+
     // Throws std::system_error where no thread can be started.
     std::unique_ptr<SerialQueue> makeSerialQueue(std::string_view label) override;
 
  private:
     struct Queues {
+        std::shared_ptr<void> usedByTasks;
         LinuxMainQueue main;
         LinuxBackgroundQueue background;
     };

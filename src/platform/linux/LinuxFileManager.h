@@ -10,7 +10,7 @@
 
 namespace norvane {
 
-// The mounted volumes, read on a lane.
+// The mounted volumes, for a tick read on a lane. A call without one may outlive this.
 class LinuxFileManager final : public FileManager {
  public:
     // The reference outlives this.
@@ -18,8 +18,10 @@ class LinuxFileManager final : public FileManager {
                      std::unique_ptr<Lane> lane);
 
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override;
+    std::optional<std::vector<VolumeURL>> mountedVolumeURLs() override;
 
  private:
+    const std::shared_ptr<Volumes> reader_;
     SlowReading<std::shared_ptr<const Volumes::List>> volumes_;
 };
 

@@ -13,6 +13,7 @@ std::unique_ptr<LinuxMachine> LinuxMachine::open() {
 LinuxMachine::LinuxMachine(std::unique_ptr<X11Connection> connection)
     : connection_(std::move(connection)),
       windowServer_(*connection_, textLayouts_, appearance_, monotonicClock_, dispatch_.mainQueue()) {
+    dispatch_.keep(kernel_);
     // Without its display there is nobody to show anything to.
     connection_->setEndHandler([this] { application_.terminate(); });
 }
@@ -21,12 +22,12 @@ Platform LinuxMachine::platform() {
     return {.wallClock = wallClock_,
             .monotonicClock = monotonicClock_,
             .dispatch = dispatch_,
-            .hostPort = kernel_.hostPort(),
-            .sysctl = kernel_.sysctl(),
-            .processInfo = kernel_.processInfo(),
-            .registry = kernel_.registry(),
-            .powerSources = kernel_.powerSources(),
-            .fileManager = kernel_.fileManager(),
+            .hostPort = kernel_->hostPort(),
+            .sysctl = kernel_->sysctl(),
+            .processInfo = kernel_->processInfo(),
+            .registry = kernel_->registry(),
+            .powerSources = kernel_->powerSources(),
+            .fileManager = kernel_->fileManager(),
             .userNotificationCenter = userNotificationCenter_,
             .standardOutput = standardOutput_,
             .loginItem = loginItem_,

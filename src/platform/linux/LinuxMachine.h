@@ -47,16 +47,18 @@ class LinuxMachine {
     LinuxApplication application_{dispatch_.mainQueue()};
     LinuxUserDefaults userDefaults_{dispatch_.mainQueue(), LinuxUserDefaults::defaultPath()};
     LinuxUUIDSource uuidSource_;
-    LinuxKernel kernel_{RootFolder(""), SystemCalls::real()};
+    // Background tasks may still ask it when this goes away.
+    std::shared_ptr<LinuxKernel> kernel_ = std::make_shared<LinuxKernel>(RootFolder(""), SystemCalls::real());
     BusConnection systemBus_{dispatch_.mainQueue(), BusConnection::systemAddress()};
     BusConnection sessionBus_{dispatch_.mainQueue(), BusConnection::sessionAddress()};
     LinuxPowerProfile powerProfile_{dispatch_.mainQueue(), systemBus_, RootFolder(""),
-                                    std::make_unique<ThreadLane>("power profile"), kernel_.lowPowerMode()};
+                                    std::make_unique<ThreadLane>("power profile"), kernel_->lowPowerMode()};
     LinuxUserNotificationCenter userNotificationCenter_{dispatch_.mainQueue(), sessionBus_};
     LinuxStandardOutput standardOutput_;
     LinuxLoginItem loginItem_{dispatch_.mainQueue(), dispatch_.backgroundQueue(),
                               AutostartSurroundings::own(), LinuxLoginItem::runningProgram()};
-    LinuxWorkspace workspace_{sessionBus_, dispatch_.backgroundQueue()};
+    LinuxWorkspace workspace_{sessionBus_, systemBus_, dispatch_.mainQueue(), dispatch_.backgroundQueue(),
+                              RootFolder("")};
     LinuxMainBundle mainBundle_;
     LinuxAppearance appearance_{sessionBus_};
     std::unique_ptr<X11Connection> connection_;

@@ -92,9 +92,14 @@ void startHandler(const std::string& url) {
 
 }  // namespace
 
-LinuxWorkspace::LinuxWorkspace(BusConnection& sessionBus, BackgroundQueue& backgroundQueue,
+LinuxWorkspace::LinuxWorkspace(BusConnection& sessionBus, BusConnection& systemBus, MainQueue& mainQueue,
+                               BackgroundQueue& backgroundQueue, const RootFolder& root,
                                std::chrono::milliseconds portalLimit)
-    : bus_(sessionBus), backgroundQueue_(backgroundQueue), portalLimit_(portalLimit) {}
+    : bus_(sessionBus),
+      backgroundQueue_(backgroundQueue),
+      portalLimit_(portalLimit),
+      ejections_(systemBus, mainQueue, backgroundQueue, root),
+      mounts_(mainQueue, backgroundQueue, root) {}
 
 void LinuxWorkspace::openURL(const std::string& url) {
     if (schemeOf(url).empty()) return;
@@ -117,6 +122,19 @@ void LinuxWorkspace::openURL(const std::string& url) {
                           });
     // The answer never comes from within the call.
     calls_.emplace(number, std::move(call));
+}
+
+void LinuxWorkspace::unmountAndEjectDevice(const std::string& path,
+                                           std::function<void(std::optional<std::string> error)> completion) {
+    ejections_.begin(path, std::move(completion));
+}
+
+Cancellation LinuxWorkspace::onDidMount(std::function<void()> observer) {
+    return mounts_.onDidMount(std::move(observer));
+}
+
+Cancellation LinuxWorkspace::onDidUnmount(std::function<void()> observer) {
+    return mounts_.onDidUnmount(std::move(observer));
 }
 
 std::string_view LinuxWorkspace::schemeOf(std::string_view url) {

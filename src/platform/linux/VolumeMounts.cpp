@@ -28,11 +28,17 @@ std::optional<std::string> systemName(const RootFolder& root) {
 
 }  // namespace
 
-std::optional<VolumeMounts> readVolumeMounts(const RootFolder& root) {
+std::optional<std::vector<Mount>> readMounts(const RootFolder& root) {
     const auto text = root.read("/proc/self/mountinfo", kLargestTable);
     if (!text) return std::nullopt;
+    return parseMountInfo(*text);
+}
+
+std::optional<VolumeMounts> readVolumeMounts(const RootFolder& root) {
+    auto table = readMounts(root);
+    if (!table) return std::nullopt;
     VolumeMounts answer;
-    answer.table = parseMountInfo(*text);
+    answer.table = std::move(*table);
 
     const auto options = parseUtab(root.read("/run/mount/utab", kLargestTable).value_or(""));
     std::vector<const Mount*> candidates;

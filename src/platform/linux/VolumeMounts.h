@@ -27,6 +27,9 @@ struct VolumeMounts {
     std::vector<Mount> table;
 };
 
+// All that a path leads to. Any thread, waits for nobody; none where there is no table of mounts.
+std::optional<std::vector<Mount>> readMounts(const RootFolder& root);
+
 // Any thread; waits for nobody, since none of the mounts is touched. None where there is no table of mounts.
 std::optional<VolumeMounts> readVolumeMounts(const RootFolder& root);
 

@@ -22,14 +22,19 @@ std::int64_t bytes(std::uint64_t count) {
     return static_cast<std::int64_t>(std::min(count, kMost));
 }
 
-VolumeResourceValues valuesOf(const VolumeMount& volume, const FileSystemSpace& space) {
+VolumeResourceValues valuesWithoutSize(const VolumeMount& volume) {
     VolumeResourceValues values;
     values.volumeName = volume.name;
-    values.volumeTotalCapacity = bytes(space.totalBytes);
-    values.volumeAvailableCapacity = bytes(space.availableBytes);
     values.volumeIsInternal = volume.isInternal;
     values.volumeIsRootFileSystem = volume.mount.point == "/";
     values.volumeIsEjectable = volume.isEjectable;
+    return values;
+}
+
+VolumeResourceValues valuesOf(const VolumeMount& volume, const FileSystemSpace& space) {
+    VolumeResourceValues values = valuesWithoutSize(volume);
+    values.volumeTotalCapacity = bytes(space.totalBytes);
+    values.volumeAvailableCapacity = bytes(space.availableBytes);
     return values;
 }
 
@@ -91,6 +96,27 @@ std::shared_ptr<const Volumes::List> Volumes::read() {
         std::optional<VolumeResourceValues> values;
         if (space) values = valuesOf(volume, *space);
         list->emplace_back(volume.mount.point, std::move(values));
+    }
+    return list;
+}
+
+std::optional<Volumes::List> Volumes::readRemovable() const {
+    const auto mounts = readVolumeMounts(root_);
+    if (!mounts) return std::nullopt;
+
+    const ServedFolders folders(mounts->table);
+    List list;
+    list.reserve(mounts->volumes.size());
+    for (const VolumeMount& volume : mounts->volumes) {
+        const Mount& mount = volume.mount;
+        std::optional<VolumeResourceValues> values;
+        const bool mayBeRemovable = volume.isInternal == false || volume.isEjectable;
+        if (!mayBeRemovable || mayHang(mount) || folders.hold(mount.point)) {
+            values = valuesWithoutSize(volume);
+        } else if (const auto space = spaceOf(mount, folders)) {
+            values = valuesOf(volume, *space);
+        }
+        list.emplace_back(mount.point, std::move(values));
     }
     return list;
 }

@@ -29,6 +29,10 @@ class Volumes {
     // left out.
     std::shared_ptr<const List> read();
 
+    // The same without waiting for any server: sizes only of those that are not internal or can be ejected.
+    // Any thread, several at a time, also beside `read`.
+    std::optional<List> readRemovable() const;
+
  private:
     class ServedFolders;
 

@@ -77,7 +77,8 @@ void X11PopoverWindow::place(const Rect& anchor) {
     place_ = PopoverPlace(anchor, desk_.screen.visibleFrame({anchor.midX(), anchor.midY()}));
     measure();
     place_.centre(size_.width);
-    panel_ = room_ = pixelsOf(size_);
+    // One that is on the screen stays as large as it is painted until the next picture.
+    if (stage_ != Stage::shown) panel_ = room_ = pixelsOf(size_);
     repaintSoon();
 }
 

@@ -77,7 +77,7 @@ class ScriptedMachine {
     ScriptedUserNotificationCenter userNotificationCenter{dispatch.backgroundQueue()};
     ScriptedStandardOutput standardOutput;
     ScriptedLoginItem loginItem{dispatch.mainQueue()};
-    ScriptedWorkspace workspace;
+    ScriptedWorkspace workspace{dispatch.mainQueue()};
     ScriptedMainBundle mainBundle;
     ScriptedUserDefaults userDefaults{dispatch.mainQueue()};
     ScriptedUUIDSource uuidSource;

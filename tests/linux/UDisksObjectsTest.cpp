@@ -1,0 +1,130 @@
+#include "platform/linux/UDisksObjects.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <sstream>
+
+#include "platform/linux/GVariantPointer.h"
+
+namespace norvane {
+namespace {
+
+using Devices = std::vector<DeviceNumber>;
+
+// Objects in a short form, one a word: "a:1" is a file system on the device 8:1 and "d:" without a number a
+// drive. Letters say more, some with the name of another object: Dd on the drive d, Cb opened from the
+// encrypted b, Tb a partition of b, L a loop device; of a drive E for ejectable, R for removable, P for one
+// that can be powered off, Sx for the siblings' name.
+std::string objects(const std::string& words) {
+    // Each "@" is another object's name.
+    const std::map<char, std::string> properties = {
+        {'D', "'Drive': <objectpath '/@'>, "}, {'C', "'CryptoBackingDevice': <objectpath '/@'>, "},
+        {'S', "'SiblingId': <'@'>, "},         {'E', "'Ejectable': <true>, "},
+        {'R', "'Removable': <true>, "},        {'P', "'CanPowerOff': <true>, "}};
+    const std::map<char, std::string> interfaces = {
+        {'T', "'org.freedesktop.UDisks2.Partition': {'Table': <objectpath '/@'>}, "},
+        {'L', "'org.freedesktop.UDisks2.Loop': {}, "}};
+    std::string text;
+    std::istringstream stream(words);
+    for (std::string word; stream >> word;) {
+        const bool isBlock = word.find_first_of("123") == 2;
+        std::string own = isBlock ? "'DeviceNumber': <uint64 0x80" + word.substr(2, 1) + ">, " : "";
+        std::string others = isBlock ? "'org.freedesktop.UDisks2.Filesystem': {}, " : "";
+        for (std::size_t at = isBlock ? 3 : 2; at < word.size(); ++at) {
+            const bool isProperty = properties.contains(word[at]);
+            std::string more = (isProperty ? properties : interfaces).at(word[at]);
+            if (const auto name = more.find('@'); name != std::string::npos) more[name] = word.at(++at);
+            (isProperty ? own : others) += more;
+        }
+        text += std::string("'/") + word[0] + "': {" + others + "'org.freedesktop.UDisks2." +
+                (isBlock ? "Block" : "Drive") + "': {" + own + "}}, ";
+    }
+    return '{' + text + '}';
+}
+
+// A comma may be left at the end of a dictionary.
+UDisksObjects parsed(std::string text) {
+    for (std::size_t at = 0; (at = text.find(", }", at)) != std::string::npos;)
+        text.erase(at, 2);
+    const GVariantPointer variant(
+        g_variant_parse(G_VARIANT_TYPE("a{oa{sa{sv}}}"), text.c_str(), nullptr, nullptr, nullptr));
+    EXPECT_TRUE(variant) << text;
+    return variant ? UDisksObjects(variant.get()) : UDisksObjects();
+}
+
+std::string callsAfterUnmount(const UDisksObjects& objects, const Devices& mounted) {
+    std::string text;
+    for (const UDisksObjects::Call& call : objects.callsAfterUnmount("/a", mounted))
+        text += call.path.substr(1) + ' ' + call.method + ' ';
+    return text;
+}
+
+TEST(UDisksObjects, KnowWhatIsLeftToDoOnceAFileSystemIsUnmounted) {
+    struct Case {
+        const char* words;
+        // The minors of what is mounted.
+        std::vector<std::uint32_t> mounted;
+        std::string calls;
+    };
+    const std::vector<Case> cases = {
+        {"a:1Dd d:ERP", {}, "d Eject d PowerOff "},
+        {"a:1Dd d:E", {}, "d Eject "},
+        {"a:1Dd d:RP", {}, "d PowerOff "},
+        {"a:1Dd d:P", {}, ""},
+        {"a:1Dd d:R", {}, ""},
+        {"a:1Dd d:ERP", {1}, ""},
+        {"a:1Dd b:2Dd d:ERP", {2}, ""},
+        {"a:1Dd b:2Dd d:ERP", {}, "d Eject d PowerOff "},
+        {"a:1Dd b:2De d:ERP e:ERP", {2}, "d Eject d PowerOff "},
+        {"a:1Dd d:ERPSx e:Sx", {}, "d Eject "},
+        {"a:1Dd d:ERPSx e:Sy", {}, "d Eject d PowerOff "},
+        {"a:1Cb b:2Dd d:ERP", {}, "b Lock d Eject d PowerOff "},
+        {"a:1Cb b:2Dd c:3Dd d:ERP", {3}, "b Lock "},
+        {"a:1Dd b:2Cc c:3Dd d:ERP", {2}, ""},
+        {"a:1Cb b:2Cc c:3Dd d:E", {}, "b Lock c Lock d Eject "},
+        {"a:1L", {}, "a Delete "},
+        {"a:1Tb b:2L", {}, "b Delete "},
+        {"a:1Tb b:2L c:3Tb", {3}, ""},
+        {"a:1Cb b:2L", {}, "b Lock b Delete "},
+        {"a:1 b:2", {2}, ""},
+        {"a:1Ca", {}, ""},
+        {"a:1Cb b:2Cc c:3Cb", {}, "b Lock c Lock "},
+        {"a:1Cx", {}, "x Lock "},
+        {"a:1Dx", {}, ""},
+        {"b:1Dd d:ERP", {}, ""},
+    };
+    for (const Case& each : cases) {
+        Devices mounted;
+        for (const std::uint32_t minor : each.mounted)
+            mounted.push_back({8, minor});
+        EXPECT_EQ(callsAfterUnmount(parsed(objects(each.words)), mounted), each.calls) << each.words;
+    }
+}
+
+TEST(UDisksObjects, BearWhateverTheyAreMadeOf) {
+    const UDisksObjects odd = parsed(
+        "{'/a': {'org.freedesktop.UDisks2.Block': {'DeviceNumber': <'8:1'>, 'Drive': <'/d'>,"
+        " 'CryptoBackingDevice': <7>}, 'org.freedesktop.UDisks2.Filesystem': {}},"
+        " '/b': {'org.freedesktop.UDisks2.Block': {'DeviceNumber': <uint64 0x80001>, 'Drive': <objectpath "
+        "'/d'>}},"
+        " '/d': {'org.freedesktop.UDisks2.Drive': {'Ejectable': <1>, 'SiblingId': <true>}, 'x': {}}}");
+    EXPECT_EQ(odd.fileSystemOn({8, 1}), std::nullopt);
+    EXPECT_EQ(odd.fileSystemOn({0, 0x80001}), std::nullopt) << "no file system";
+    EXPECT_EQ(callsAfterUnmount(odd, {}), "");
+    EXPECT_EQ(parsed("{}").fileSystemOn({0, 0}), std::nullopt);
+
+    std::string endless;
+    for (char each = 'a'; each < 'z'; ++each)
+        endless += std::string(1, each) + ":1C" + static_cast<char>(each + 1) + ' ';
+    EXPECT_EQ(parsed(objects(endless)).callsAfterUnmount("/a", {}).size(), 16u);
+    EXPECT_EQ(parsed("{'/a': {'org.freedesktop.UDisks2.Block': {'DeviceNumber': <uint64 0x1231034f>},"
+                     " 'org.freedesktop.UDisks2.Filesystem': {}}}")
+                  .fileSystemOn({259, 0x1234f}),
+              "/a")
+        << "more bits than the kernel's old numbers have";
+}
+
+}  // namespace
+}  // namespace norvane
