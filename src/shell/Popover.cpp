@@ -1,5 +1,7 @@
 #include "shell/Popover.h"
 
+#include <utility>
+
 namespace norvane {
 Popover::~Popover() {
     if (!isShown_) return;
@@ -8,7 +10,9 @@ Popover::~Popover() {
 }
 
 void Popover::showBelow(const Rect& anchor) {
+    const bool isOtherPlace = std::exchange(anchor_, anchor) != anchor;
     if (isShown_) {
+        if (isOtherPlace) window_->place(anchor);
         if (isUp_) window_->orderFront();
         return;
     }

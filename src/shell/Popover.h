@@ -30,7 +30,8 @@ class Popover final : private PopoverWindowObserver {
 
     // `showRelativeToRect:ofView:preferredEdge:` below an anchor given on the screen. It counts as shown at
     // once; its window comes up after the next turn of the main queue, so that whoever moves it in that turn
-    // makes nothing jump. Where it is shown already it only comes to the front.
+    // makes nothing jump. Where it is shown already it comes to the front, and moves where the anchor is
+    // another one.
     void showBelow(const Rect& anchor);
     // Closes it if it is shown and the delegate allows.
     void performClose();
@@ -52,6 +53,7 @@ class Popover final : private PopoverWindowObserver {
     PopoverDelegate* delegate_ = nullptr;
     PopoverBehavior behavior_ = PopoverBehavior::applicationDefined;
     std::unique_ptr<PopoverWindow> window_;
+    Rect anchor_;  // of the last showing
     bool isShown_ = false;
     bool isUp_ = false;  // its window has been brought up
     // One for each showing: a window that is to come up later does so only if that showing still lasts.

@@ -143,6 +143,23 @@ TEST_F(MenuBarModeTest, AChangedModeTakesItsPopoverAwayAndBringsItBackToTheNewAn
     }
 }
 
+TEST_F(MenuBarModeTest, APinnedDashboardMovesToTheNewAnchorWithoutClosing) {
+    machine_.windowServer.statusItemRightMargin = 600;
+    launch();
+    open();
+    press("main", "Pin");
+    const auto hangsBelowTheItem = [this] {
+        return window("main").frame().midX() == machine_.windowServer.buttonFrame()->midX();
+    };
+    ASSERT_TRUE(hangsBelowTheItem());
+    choose(MenuBarIconMode::on);
+    EXPECT_FALSE(hangsBelowTheItem());
+    machine_.advance(600ms);
+    EXPECT_TRUE(hangsBelowTheItem());
+    EXPECT_EQ(window("main").placesShown().size(), 2U) << "in one step";
+    EXPECT_TRUE(isUIVisible());
+}
+
 TEST_F(MenuBarModeTest, WithoutAPopoverOrANewModeOnlyTheButtonChangesIfAnything) {
     launch();
     choose(MenuBarIconMode::on);

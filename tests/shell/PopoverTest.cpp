@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "platform/scripted/ScriptedMachine.h"
 #include "platform/scripted/ScriptedPopoverWindow.h"
@@ -117,12 +118,15 @@ TEST_F(PopoverTest, EveryWayOfClosingAsksFirst) {
     }
 }
 
-TEST_F(PopoverTest, ShownAgainItOnlyComesToTheFrontAndClosedAgainDoesNothing) {
+TEST_F(PopoverTest, ShownAgainItComesToTheFrontBelowItsAnchorAndClosedAgainDoesNothing) {
     show();
-    popover_.showBelow({{100, 0}, {54, 22}});
-    machine_.settle();
-    EXPECT_EQ(heard_, "");
-    EXPECT_EQ(popover_.window()->frame().origin, (Point{677, 28}));
+    popover_.window()->setFrame({{500, 28}, {100, 40}});
+    for (const auto& [anchor, left] : {std::pair{700.0, 500.0}, std::pair{100.0, 77.0}}) {
+        popover_.showBelow({{anchor, 0}, {54, 22}});
+        machine_.settle();
+        EXPECT_EQ(heard_, "");
+        EXPECT_EQ(popover_.window()->frame().origin, (Point{left, 28}));
+    }
     popover_.performClose();
     popover_.performClose();
     EXPECT_EQ(heard_, "should did ");

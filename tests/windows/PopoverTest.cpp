@@ -239,7 +239,7 @@ TEST_F(PopoverTest, MayBeEndedByWhatItTells) {
     }
 }
 
-TEST_F(PopoverTest, GrowsAndShrinksFromItsTopLeftCorner) {
+TEST_F(PopoverTest, GrowsAndShrinksFromItsTopLeftCornerAndMovesToAnotherAnchor) {
     open();
     content_.size = {260, 300};
     content_.swatches.push_back({{{200, 250}, {40, 40}}, kBlue});
@@ -251,6 +251,9 @@ TEST_F(PopoverTest, GrowsAndShrinksFromItsTopLeftCorner) {
     content_.size = {100, 80};
     content_.change();
     ASSERT_TRUE(comes([&] { return bystander_->windowAt({300, 100, 100, 80}).has_value(); }));
+    popover_->place(anchorAbove(600, 100));  // below another anchor, without closing
+    ASSERT_TRUE(comes([&] { return bystander_->windowAt({550, 100, 100, 80}).has_value(); }));
+    EXPECT_TRUE(comes([&] { return shows(590, 140, kGreenPixel); }));
 }
 
 TEST_F(PopoverTest, PaintsOnlyWhatChanged) {
