@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "dashboard/ArdoMultiCPUGraph.h"
 #include "dashboard/FigureCell.h"
@@ -10,6 +11,7 @@
 #include "drawing/NamedFonts.h"
 #include "insight/CPUInsight.h"
 #include "platform/Decimal.h"
+#include "platform/WholeNumber.h"
 #include "views/Divider.h"
 #include "views/Stack.h"
 
@@ -29,10 +31,10 @@ std::string historySentence(const std::vector<CPUHistoryPoint>* history) {
 }  // namespace
 
 std::string formatUptime(double seconds) {
-    constexpr long long kMinute = 60;
-    constexpr long long kHour = 60 * kMinute;
-    constexpr long long kDay = 24 * kHour;
-    const long long whole = std::isfinite(seconds) ? static_cast<long long>(seconds) : 0;
+    constexpr std::int64_t kMinute = 60;
+    constexpr std::int64_t kHour = 60 * kMinute;
+    constexpr std::int64_t kDay = 24 * kHour;
+    const std::int64_t whole = std::isfinite(seconds) ? wholeNumber(seconds) : 0;
     const std::string hours = std::to_string(whole % kDay / kHour) + "h";
     if (whole < kDay) return hours + " " + std::to_string(whole % kHour / kMinute) + "m";
     return std::to_string(whole / kDay) + "d " + hours;

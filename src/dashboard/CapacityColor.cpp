@@ -19,4 +19,10 @@ std::optional<Ink> scarceRoomColor(double availableGB) {
     return std::nullopt;
 }
 
+Ink diskColor(const DiskSnapshot& volume) {
+    const auto scarce =
+        volume.isBootVolume ? scarceRoomColor(volume.availableForImportantUsage) : std::nullopt;
+    return scarce.value_or(capacityColor(capacityRatio(volume.usedGB, volume.totalGB)));
+}
+
 }  // namespace norvane

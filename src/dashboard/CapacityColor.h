@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "telemetry/DiskSnapshot.h"
 #include "views/Paint.h"
 
 namespace norvane {
@@ -17,5 +18,8 @@ Ink capacityColor(double ratio);
 // The colour of a boot volume with so many gigabytes free for what matters: red below 10, orange below 30. No
 // colour of its own with more.
 std::optional<Ink> scarceRoomColor(double availableGB);
+
+// The colour of a volume by both.
+Ink diskColor(const DiskSnapshot& volume);
 
 }  // namespace norvane

@@ -4,13 +4,18 @@
 #include <utility>
 
 #include "dashboard/ArdoSnapshotPodView.h"
+#include "dashboard/BatteryDetailListView.h"
+#include "dashboard/BatteryExpandedView.h"
 #include "dashboard/CPUDetailListView.h"
 #include "dashboard/CPUExpandedView.h"
 #include "dashboard/MemoryDetailListView.h"
 #include "dashboard/MemoryExpandedView.h"
 #include "dashboard/PodLook.h"
 #include "dashboard/PodValue.h"
+#include "dashboard/StorageDetailListView.h"
+#include "dashboard/StorageExpandedView.h"
 #include "drawing/NamedFonts.h"
+#include "insight/ImpactPod.h"
 #include "insight/SystemStatusText.h"
 #include "preferences/DefaultsKeys.h"
 #include "preferences/StoredValue.h"
@@ -48,9 +53,9 @@ ArdoSnapshotPodView podOf(SnapshotSection section, const SystemSnapshot* now) {
                     .isWide = true,
                     .color = storagePodColor(now)};
         case SnapshotSection::battery:
-            return {.icon = batteryPodIcon(now),
+            return {.icon = std::string(impactPodIcon(now)),
                     .title = "Impact",
-                    .value = batteryPodValue(now),
+                    .value = {std::string(impactPodValue(now)), ""},
                     .color = batteryPodColor(now)};
     }
     return {};
@@ -66,6 +71,10 @@ MenuRootView::MenuRootView(const Platform& platform, const PreferencesStore& pre
       processInfo_(platform.processInfo),
       userDefaults_(platform.userDefaults),
       appearance_(platform.appearance),
+      dispatch_(platform.dispatch),
+      fileManager_(platform.fileManager),
+      workspace_(platform.workspace),
+      uuidSource_(platform.uuidSource),
       preferences_(preferences),
       sampler_(std::move(sampler)),
       hardware_(std::move(hardware)),
@@ -204,8 +213,12 @@ Element MenuRootView::panelCard(SnapshotSection section) {
             case SnapshotSection::memory:
                 return MemoryExpandedView{snapshot, verbosity}.body();
             case SnapshotSection::storage:
+                if (!snapshot) break;
+                return StorageExpandedView::of(snapshot, verbosity).body();
             case SnapshotSection::battery:
-                break;
+                if (!snapshot || !snapshot->hasBattery) break;
+                return BatteryExpandedView{snapshot, verbosity, preferences_.temperatureUnit(), processInfo_}
+                    .body();
         }
         return Element::none();
     };
@@ -235,11 +248,18 @@ Element MenuRootView::detailList(SnapshotSection section) {
                                             snapshot->swapWriteMBps}
                     .body();
             case SnapshotSection::storage:
+                return StorageDetailListView{fileManager_, workspace_, dispatch_, uuidSource_,
+                                             sampler_->isUIVisible()}
+                    .body();
             case SnapshotSection::battery:
-                break;
+                if (!snapshot || !snapshot->hasBattery) break;
+                return BatteryDetailListView{snapshot}.body();
         }
         return Element::none();
     };
+    if (section == SnapshotSection::storage && (!snapshot || snapshot->volumes.empty())) {
+        return Element::none();
+    }
     // The popover never grows past the screen: what does not fit of the list scrolls. Each pod's list begins
     // at its top.
     return scrollArea(vstack({.spacing = 8}, list()).padding({.top = 8, .left = 12, .right = 12}))

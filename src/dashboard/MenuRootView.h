@@ -66,6 +66,10 @@ class MenuRootView {
     ProcessInfo& processInfo_;
     UserDefaults& userDefaults_;
     Appearance& appearance_;
+    Dispatch& dispatch_;
+    FileManager& fileManager_;
+    Workspace& workspace_;
+    UUIDSource& uuidSource_;
     const PreferencesStore& preferences_;
     std::shared_ptr<PerformanceSampler> sampler_;
     std::function<const CPUHardwareInfo&()> hardware_;

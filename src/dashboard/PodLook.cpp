@@ -27,16 +27,10 @@ Ink storagePodColor(const SystemSnapshot* snapshot) {
 
 Ink batteryPodColor(const SystemSnapshot* snapshot) {
     if (snapshot == nullptr) return Ink::teal;
-    if (snapshot->thermalLevel == ThermalLevel::serious || snapshot->thermalLevel == ThermalLevel::critical) {
-        return Ink::red;
-    }
+    if (isThermallyLimited(snapshot->thermalLevel)) return Ink::red;
     if (!snapshot->isOnBattery) return Ink::teal;
     if (snapshot->batteryPercentage < 16) return Ink::red;
     return snapshot->energyImpact == ImpactState::high ? Ink::orange : Ink::teal;
-}
-
-std::string batteryPodIcon(const SystemSnapshot* snapshot) {
-    return snapshot == nullptr || snapshot->isOnBattery ? "bolt.circle" : "bolt.circle.fill";
 }
 
 }  // namespace norvane

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "telemetry/SystemSnapshot.h"
 #include "views/Paint.h"
 
@@ -12,8 +10,5 @@ Ink cpuPodColor(const SystemSnapshot* snapshot);
 Ink memoryPodColor(const SystemSnapshot* snapshot);
 Ink storagePodColor(const SystemSnapshot* snapshot);
 Ink batteryPodColor(const SystemSnapshot* snapshot);
-
-// The symbol of the battery's pod.
-std::string batteryPodIcon(const SystemSnapshot* snapshot);
 
 }  // namespace norvane

@@ -28,18 +28,4 @@ PodValue storagePodValue(const SystemSnapshot* snapshot) {
     return usedOf(snapshot->usedDiskGB, snapshot->totalDiskGB, 1);
 }
 
-PodValue batteryPodValue(const SystemSnapshot* snapshot) {
-    if (snapshot == nullptr) return {"—", ""};
-    if (!snapshot->isOnBattery) return {"Plugged In", ""};
-    switch (snapshot->energyImpact) {
-        case ImpactState::low:
-            return {"Normal", ""};
-        case ImpactState::moderate:
-            return {"Moderate", ""};
-        case ImpactState::high:
-            return {"High", ""};
-    }
-    return {"—", ""};
-}
-
 }  // namespace norvane

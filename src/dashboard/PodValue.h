@@ -18,7 +18,5 @@ struct PodValue {
 PodValue cpuPodValue(const SystemSnapshot* snapshot);
 PodValue memoryPodValue(const SystemSnapshot* snapshot);
 PodValue storagePodValue(const SystemSnapshot* snapshot);
-// What the machine demands of the battery, in a word; a dash without a snapshot.
-PodValue batteryPodValue(const SystemSnapshot* snapshot);
 
 }  // namespace norvane

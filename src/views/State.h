@@ -10,10 +10,13 @@
 
 namespace norvane {
 
+template <typename Value>
+class WeakState;
+
 // A component's own state, as its body and its handlers reach it. Copies reach the same state, which can be
 // read for as long as one of them lives: a handler that was due may run after its component has left the
-// screen's tree. Changing it then does nothing. The value itself keeps no copy, or both would live for ever.
-// Main thread only.
+// screen's tree. Changing it then does nothing. The value itself keeps no copy, or both would live for ever:
+// it, and whatever outlives the screen, has a `WeakState`. Main thread only.
 template <typename Value>
 class State {
  public:
@@ -43,6 +46,8 @@ class State {
     }
 
  private:
+    friend class WeakState<Value>;
+
     void perform(const std::optional<Animation>& animation,
                  const std::function<void(Value&)>& changes) const {
         // The component may leave meanwhile, and the handler that this handle is kept by with it.

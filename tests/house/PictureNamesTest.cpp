@@ -11,10 +11,9 @@ namespace {
 
 using Names = std::set<std::string>;
 
-// Drawn, and not asked for by any source: what the desktop shows, and what panels to come are going to show.
+// Drawn, and not asked for by any source: what the desktop shows.
 const Names kKept = {
     "NorvaneIcon",  // the program's own, in menus and settings
-    "bolt.fill",   "eject.fill", "externaldrive.fill", "leaf.fill", "thermometer.medium",
 };
 
 Names drawn(const std::string& folder) {

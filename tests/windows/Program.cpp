@@ -12,6 +12,14 @@
 #include "platform/linux/LinuxUserDefaults.h"
 
 namespace norvane {
+namespace {
+
+std::string textOf(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
 
 Program::Program(const std::string& display, bool hasSeenWelcome) {
     std::string pattern = std::filesystem::temp_directory_path() / "norvane-program-XXXXXX";
@@ -19,6 +27,7 @@ Program::Program(const std::string& display, bool hasSeenWelcome) {
     folder_ = pattern;
     const std::filesystem::path preferences = LinuxUserDefaults::pathIn(pattern.c_str(), nullptr);
     std::filesystem::create_directories(preferences.parent_path());
+    defaults_ = preferences;
     if (hasSeenWelcome) std::ofstream(preferences) << "[defaults]\nhasSeenWelcome=true\n";
     const std::string errors = folder_ + "/errors";
     process_ = fork();
@@ -61,8 +70,11 @@ std::optional<int> Program::exitStatus() {
 }
 
 std::string Program::errors() const {
-    std::ifstream file(folder_ + "/errors");
-    return {std::istreambuf_iterator<char>(file), {}};
+    return textOf(folder_ + "/errors");
+}
+
+std::string Program::defaults() const {
+    return textOf(defaults_);
 }
 
 }  // namespace norvane

@@ -22,11 +22,14 @@ class Program {
     std::optional<int> exitStatus();
     // What it has printed on standard error so far.
     std::string errors() const;
+    // Its defaults file as it stands.
+    std::string defaults() const;
 
  private:
     pid_t process_ = -1;
     std::optional<int> status_;
     std::string folder_;
+    std::string defaults_;
 };
 
 }  // namespace norvane

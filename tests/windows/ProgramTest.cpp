@@ -24,6 +24,9 @@ constexpr int kDashboardWidth = 520;
 constexpr int kSettingsWidth = 360;
 constexpr int kInfoWidth = 380;
 constexpr int kWelcomeWidth = 340;
+// Of the dashboard: the pods' middle, from its top, and the most that it is high with all of them closed.
+constexpr int kPodsMiddle = 105;
+constexpr int kHeightWithoutAPanel = 220;
 
 // The real program on a display without a window manager, as its user clicks it.
 class ProgramTest : public DesktopTest {
@@ -198,6 +201,34 @@ TEST_F(ProgramTest, TheHeadersButtonsOpenTheirPopoversInItsPlaceOrBesideIt) {
     clickHeader(2);
     clickStrip();
     EXPECT_TRUE(closes()) << "no longer pinned";
+}
+
+TEST_F(ProgramTest, EachPodOpensItsPanelAndIsRememberedAndClosesItAgain) {
+    clickStrip();
+    ASSERT_TRUE(opens()) << program_->errors();
+    const auto height = [&] {
+        const auto frame = dashboard();
+        return frame ? frame->height : 0;
+    };
+    const auto clickPod = [&](int x) {
+        const PixelRect frame = *dashboard();
+        click(frame.x + x, frame.y + kPodsMiddle);
+    };
+    EXPECT_GT(height(), kHeightWithoutAPanel);
+    clickPod(50);
+    ASSERT_TRUE(comes([&] { return height() <= kHeightWithoutAPanel; })) << height();
+    const int closed = height();
+    for (const auto& [x, name] :
+         {std::pair{180, "memory"}, {320, "storage"}, {kDashboardWidth - 50, "battery"}, {50, "cpu"}}) {
+        clickPod(x);
+        const std::string line = "lastViewedPod=\"" + std::string(name) + "\"\n";
+        EXPECT_TRUE(comes([&] { return program_->defaults().find(line) != std::string::npos; }))
+            << name << program_->defaults();
+        EXPECT_TRUE(comes([&] { return height() > closed; })) << name;
+        clickPod(x);
+        EXPECT_TRUE(comes([&] { return height() == closed; })) << name << height();
+        EXPECT_NE(program_->defaults().find(line), std::string::npos) << name << ": closed is not forgotten";
+    }
 }
 
 TEST_F(ProgramTest, TheFirstStartWelcomesAndGoesOnToTheDashboard) {

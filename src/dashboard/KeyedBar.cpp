@@ -1,0 +1,38 @@
+#include "dashboard/KeyedBar.h"
+
+#include "dashboard/FigureCell.h"
+#include "drawing/NamedFonts.h"
+#include "views/Spacer.h"
+#include "views/Stack.h"
+#include "views/Text.h"
+
+namespace norvane {
+namespace {
+
+constexpr double kBarHeight = 10;
+// Between the lines, in points.
+constexpr double kSpacing = 6;
+
+Element key(const Paint& paint, const std::string& label) {
+    return hstack({.spacing = 4}, panelDot(paint),
+                  text(label, {.font = font::system(10, FontWeight::medium), .lineLimit = 1}));
+}
+
+}  // namespace
+
+Element KeyedBar::body() const {
+    const TextStyle words{.font = font::system(12, FontWeight::medium), .lineLimit = 1};
+    return vstack(
+        {.alignment = Alignment::start, .spacing = kSpacing},
+        vstack({.spacing = kSpacing},
+               hstack({.spacing = 4},      //
+                      text(label, words),  //
+                      spacer(),            //
+                      text(value, {.font = valueFont, .lineLimit = 1}).layoutPriority(1)),
+               bar.body().frame({.height = kBarHeight}))
+            .accessible({.role = AccessibleRole::meter, .name = label, .value = value}),
+        hstack({.spacing = 12}, key(bar.color, filled), key(Paint(Ink::primary).withOpacity(0.1), rest))
+            .padding({.top = 2}));
+}
+
+}  // namespace norvane
