@@ -93,6 +93,13 @@ DisplayList panel(Stage& stage, std::string_view pod, void (*make)(ScriptedMachi
     return program.pass(900ms).picture();
 }
 
+DisplayList storagePanel(Stage& stage, void (*make)(ScriptedMachine&)) {
+    return panel(stage, "Disk", make, kIdle);
+}
+DisplayList batteryPanel(Stage& stage, void (*make)(ScriptedMachine&)) {
+    return panel(stage, "Impact", make, kIdle);
+}
+
 // The very first opening, on a machine that has not answered yet.
 DisplayList panelWithoutSnapshot(Stage& stage, std::string_view pod) {
     Program program(stage);
@@ -140,6 +147,32 @@ DisplayList memoryServer(Stage& stage) {
 }
 DisplayList memoryNoSnapshot(Stage& stage) {
     return panelWithoutSnapshot(stage, "RAM");
+}
+
+DisplayList storageNothingRemovable(Stage& stage) {
+    return storagePanel(stage, makeServer);
+}
+DisplayList storageNearlyFull(Stage& stage) {
+    return storagePanel(stage, makeLaptopWithFullDisk);
+}
+DisplayList storageEjecting(Stage& stage) {
+    makeLaptopWithSticks(stage.machine);
+    return Program(stage).openDashboard().press("Disk").pass(5s).press("Eject BACKUP").pass(5s).picture();
+}
+DisplayList batteryIdleLaptop(Stage& stage) {
+    return batteryPanel(stage, makeIdleLaptop);
+}
+DisplayList batteryNearItsEnd(Stage& stage) {
+    return batteryPanel(stage, makeLaptopNearItsEnd);
+}
+DisplayList batteryOnHold(Stage& stage) {
+    return batteryPanel(stage, makeLaptopOnHold);
+}
+DisplayList batteryWorn(Stage& stage) {
+    return batteryPanel(stage, makeLaptopWithWornBattery);
+}
+DisplayList batteryNone(Stage& stage) {
+    return batteryPanel(stage, makeLoadedDesktop);
 }
 
 DisplayList dashboardQuitPointedAt(Stage& stage) {

@@ -20,6 +20,17 @@ DisplayList memoryLoadedDesktop(Stage& stage);
 DisplayList memoryServer(Stage& stage);
 DisplayList memoryNoSnapshot(Stage& stage);
 
+DisplayList storageNothingRemovable(Stage& stage);
+DisplayList storageNearlyFull(Stage& stage);
+DisplayList storageEjecting(Stage& stage);
+
+DisplayList batteryIdleLaptop(Stage& stage);
+DisplayList batteryNearItsEnd(Stage& stage);
+DisplayList batteryOnHold(Stage& stage);
+DisplayList batteryWorn(Stage& stage);
+// A machine that has none.
+DisplayList batteryNone(Stage& stage);
+
 DisplayList dashboardQuitPointedAt(Stage& stage);
 DisplayList dashboardPodPointedAt(Stage& stage);
 DisplayList dashboardChangingPods(Stage& stage);

@@ -14,6 +14,17 @@ void makeLoadedDesktop(ScriptedMachine& machine);
 // 64 cores.
 void makeServer(ScriptedMachine& machine);
 
+// The idle laptop, each time with something about its storage or its battery.
+// Two sticks, one of them of a terabyte and full, whose ejection does not end.
+void makeLaptopWithSticks(ScriptedMachine& machine);
+void makeLaptopWithFullDisk(ScriptedMachine& machine);
+// At 7 percent.
+void makeLaptopNearItsEnd(ScriptedMachine& machine);
+// Held at 80 percent, on mains, in Low Power Mode.
+void makeLaptopOnHold(ScriptedMachine& machine);
+// With less than two thirds of its capacity left, and hot.
+void makeLaptopWithWornBattery(ScriptedMachine& machine);
+
 // What processors have to do, in percent: around a middle, each at a time of its own.
 struct Load {
     std::size_t processors = 1;
