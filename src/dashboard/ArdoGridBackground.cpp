@@ -8,7 +8,7 @@
 namespace norvane {
 
 Element ArdoGridBackground::body() const {
-    return canvas([](SceneBuilder& scene, const Rect& frame) {
+    return keptCanvas([](SceneBuilder& scene, const Rect& frame) {
         auto lines = std::make_shared<Path>();
         for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
             const double height = share * frame.size.height;

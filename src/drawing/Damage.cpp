@@ -44,12 +44,20 @@ class Comparison {
             for (std::size_t i = 0; i < after.size(); ++i)
                 compare(before[i], after[i], visible);
         } else {
-            compareByKeys(before, after, visible);
+            // Some may have been shared before and are not now, or the other way round.
+            compareByKeys(flatItems(before), flatItems(after), visible);
         }
     }
 
  private:
     void compare(const DisplayItem& before, const DisplayItem& after, const Rect& visible) {
+        const auto* sharedBefore = std::get_if<DrawShared>(&before.command);
+        const auto* sharedAfter = std::get_if<DrawShared>(&after.command);
+        if (sharedBefore != nullptr && sharedAfter != nullptr && sharedBefore->items && sharedAfter->items) {
+            if (sharedBefore->items != sharedAfter->items)
+                compare(*sharedBefore->items, *sharedAfter->items, visible);
+            return;
+        }
         const auto* groupBefore = std::get_if<DrawGroup>(&before.command);
         const auto* groupAfter = std::get_if<DrawGroup>(&after.command);
         if (areOneGroup(groupBefore, groupAfter)) {
@@ -62,29 +70,29 @@ class Comparison {
         }
     }
 
-    void compareByKeys(const std::vector<DisplayItem>& before, const std::vector<DisplayItem>& after,
-                       const Rect& visible) {
+    using Items = std::vector<const DisplayItem*>;
+    void compareByKeys(const Items& before, const Items& after, const Rect& visible) {
         std::unordered_map<std::string_view, std::size_t> oldPlaces;
         oldPlaces.reserve(before.size());
         for (std::size_t i = 0; i < before.size(); ++i)
-            oldPlaces.emplace(before[i].key, i);
+            oldPlaces.emplace(before[i]->key, i);
 
         std::vector<bool> kept(before.size(), false);
         // Items that both lists have must come in the same order: one that comes earlier than its old
         // predecessors did is treated as new.
         std::size_t nextOld = 0;
-        for (const DisplayItem& item : after) {
-            const auto found = oldPlaces.find(item.key);
+        for (const DisplayItem* item : after) {
+            const auto found = oldPlaces.find(item->key);
             if (found == oldPlaces.end() || found->second < nextOld) {
-                add(damage_, item.bounds.intersection(visible));
+                add(damage_, item->bounds.intersection(visible));
                 continue;
             }
             kept[found->second] = true;
             nextOld = found->second + 1;
-            compare(before[found->second], item, visible);
+            compare(*before[found->second], *item, visible);
         }
         for (std::size_t i = 0; i < before.size(); ++i) {
-            if (!kept[i]) add(damage_, before[i].bounds.intersection(visible));
+            if (!kept[i]) add(damage_, before[i]->bounds.intersection(visible));
         }
     }
 

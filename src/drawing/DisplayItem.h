@@ -91,6 +91,8 @@ struct DrawImage {
 struct DrawPicture {
     std::shared_ptr<const DisplayList> picture;  // null is nothing
     Point at;
+    double opacity = 1;
+    Snapping snapping = Snapping::none;
 
     // The same list is the same object: lists are not compared.
     bool operator==(const DrawPicture&) const = default;
@@ -105,8 +107,16 @@ struct DrawGroup {
     bool operator==(const DrawGroup&) const;
 };
 
-using DrawCommand =
-    std::variant<FillShape, StrokeShape, DrawShadow, DrawText, DrawSymbol, DrawImage, DrawPicture, DrawGroup>;
+// Items that stay as they are from frame to frame, shared rather than made anew: nothing else than if they stood
+// in the list themselves, in this place.
+struct DrawShared {
+    std::shared_ptr<const std::vector<DisplayItem>> items;  // null is none
+
+    bool operator==(const DrawShared&) const;
+};
+
+using DrawCommand = std::variant<FillShape, StrokeShape, DrawShadow, DrawText, DrawSymbol, DrawImage, DrawPicture,
+                                 DrawGroup, DrawShared>;
 
 // One thing painted, and the element that asked for it.
 struct DisplayItem {
@@ -122,6 +132,11 @@ struct DisplayItem {
 // Written out: clang 14 does not survive a defaulted one that comes to itself through its items.
 inline bool DrawGroup::operator==(const DrawGroup& other) const {
     return opacity == other.opacity && clip == other.clip && items == other.items;
+}
+
+inline bool DrawShared::operator==(const DrawShared& other) const {
+    if (items == other.items) return true;
+    return items && other.items && *items == *other.items;
 }
 
 }  // namespace norvane

@@ -4,6 +4,7 @@
 #include <locale>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 namespace norvane {
 namespace {
@@ -108,7 +109,8 @@ class Printer {
         out_ << "image " << inQuotes(image.name) << ' ' << inWords(image.frame);
     }
     void operator()(const DrawPicture& picture) {
-        out_ << "picture at " << inWords(picture.at);
+        out_ << "picture at " << inWords(picture.at) << inWords(picture.snapping);
+        if (picture.opacity != 1) out_ << formatted(" opacity ", picture.opacity);
         if (picture.picture) print(picture.picture->items);
     }
     void operator()(const DrawGroup& group) {
@@ -117,13 +119,16 @@ class Printer {
         print(group.items);
     }
 
+    // Never asked: the items that it shares are printed in its place.
+    void operator()(const DrawShared&) {}
+
     // What is inside of an item stands below it, further in.
     void print(const std::vector<DisplayItem>& items) {
-        for (const DisplayItem& item : items) {
-            if (&item != items.data() || depth_ > 0) out_ << '\n';
-            out_ << std::string(2 * static_cast<std::size_t>(depth_), ' ') << item.key << ": ";
+        for (const DisplayItem* item : flatItems(items)) {
+            if (std::exchange(hasBegun_, true)) out_ << '\n';
+            out_ << std::string(2 * static_cast<std::size_t>(depth_), ' ') << item->key << ": ";
             ++depth_;
-            std::visit(*this, item.command);
+            std::visit(*this, item->command);
             --depth_;
         }
     }
@@ -135,9 +140,28 @@ class Printer {
  private:
     std::ostringstream out_;
     int depth_ = 0;
+    bool hasBegun_ = false;
 };
 
+void flatten(const std::vector<DisplayItem>& items, std::vector<const DisplayItem*>& flat) {
+    for (const DisplayItem& item : items) {
+        const auto* const shared = std::get_if<DrawShared>(&item.command);
+        if (shared == nullptr) {
+            flat.push_back(&item);
+        } else if (shared->items) {
+            flatten(*shared->items, flat);
+        }
+    }
+}
+
 }  // namespace
+
+std::vector<const DisplayItem*> flatItems(const std::vector<DisplayItem>& items) {
+    std::vector<const DisplayItem*> flat;
+    flat.reserve(items.size());
+    flatten(items, flat);
+    return flat;
+}
 
 std::string printed(const DisplayList& list) {
     return Printer{}.printed(list);

@@ -93,6 +93,7 @@ void HostedView::disappear() {
     pointer({PointerEvent::Kind::leave, {}});
     attention_ = {};
     scene_ = {};
+    if (root_.node) root_.node->forgetStill();
 }
 
 // Until nothing more follows from what has been changed.
@@ -112,6 +113,7 @@ Update HostedView::updateBy(const std::optional<Animation>& animation) {
 
 void HostedView::flush() {
     const Pending pending = std::exchange(pending_, {});
+    ++edition_;
     Update update = updateBy(pending.animation);
     // The last layout that is due moves by another animation: it comes first.
     if (isLayoutDue_ && root_.node && layoutAnimation_ != update.layoutAnimation()) {
@@ -146,6 +148,7 @@ void HostedView::flush() {
 
 void HostedView::appearAll() {
     if (!root_.node) return;
+    ++edition_;
     Update update = updateBy(std::nullopt);
     root_.node->appear(update);
     auto handlers = update.takeHandlers();
@@ -172,6 +175,7 @@ void HostedView::layOut(Size size) {
     const Update update = updateBy(isLayoutDue_ ? layoutAnimation_ : std::nullopt);
     isLayoutDue_ = false;
     layoutAnimation_.reset();
+    ++edition_;
     size_ = size;
     if (!root_.node) return;
     root_.node->place(ruler_, {{}, size});
@@ -197,7 +201,8 @@ DisplayList HostedView::displayList(Size size, MonotonicInstant at) {
 Scene HostedView::sceneAt(MonotonicInstant at, bool isTold) {
     const Size size = root_.node ? root_.node->sizeAt(at) : size_;
     SceneBuilder builder(Palette::of(appearance_.isDark()), size, at, attention_,
-                         isTold ? SceneBuilder::Purpose::accessibleTree : SceneBuilder::Purpose::picture);
+                         isTold ? SceneBuilder::Purpose::accessibleTree : SceneBuilder::Purpose::picture,
+                         edition_);
     if (root_.node) builder.child(root_);
     return std::move(builder).finish();
 }
@@ -383,6 +388,7 @@ bool HostedView::pressFocused() {
 void HostedView::setAttention(Attention attention) {
     if (attention == attention_) return;
     attention_ = std::move(attention);
+    ++edition_;
     tellChanged();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -58,7 +59,10 @@ class HostedView : public SurfaceContent, private ViewHost {
 
     void perform(const std::optional<Animation>& animation, const std::function<void()>& changes) override;
     void invalidate(const std::shared_ptr<StateCell>& cell) override;
-    void repaint() override { tellChanged(); }
+    void repaint() override {
+        ++edition_;
+        tellChanged();
+    }
     void later(std::function<void()> task) override;
     MonotonicInstant now() const override { return clock_.now(); }
 
@@ -104,6 +108,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     std::optional<Animation> layoutAnimation_;
 
     Scene scene_;  // the last picture's
+    std::uint64_t edition_ = 1;  // counts whatever happens to the tree, so that pictures in between can share
     Attention attention_;
     std::string pressed_;           // the region in which the button went down; empty for none
     std::optional<Point> pointer_;  // none while it is elsewhere

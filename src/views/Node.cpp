@@ -167,6 +167,14 @@ void Node::forgetSizes() {
         child.node->forgetSizes();
 }
 
+void Node::forgetStill() const {
+    still_.reset();
+    for (const Child& child : children_)
+        child.node->forgetStill();
+    for (const Child& child : leaving_)
+        child.node->forgetStill();
+}
+
 void Node::appear(Update& update) {
     didAppear(update);
     for (const Child& child : children_)

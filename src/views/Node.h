@@ -15,6 +15,7 @@ namespace norvane {
 
 class SceneBuilder;
 class Update;
+struct StillScene;
 
 // A thing in the tree of a screen. Each evaluation of the screen makes new nodes; a node takes over from the
 // one that stood in its place what lasts: where things are on their way to, and the state of components.
@@ -48,6 +49,11 @@ class Node {
     void retire();
     // Lets go of what has finished leaving.
     void prune(MonotonicInstant now);
+
+    // What it came to when nothing in it moved; null for none. It is let go of by `forgetStill`.
+    const std::shared_ptr<const StillScene>& still() const { return still_; }
+    void keepStill(std::shared_ptr<const StillScene> still) const { still_ = std::move(still); }
+    void forgetStill() const;
 
     // Adds its picture, its sensitive regions and its accessible tree.
     void build(SceneBuilder& scene) const;
@@ -87,6 +93,7 @@ class Node {
     Animated<Rect> place_;  // relative to the parent's origin
     bool isPlaced_ = false;
     mutable std::vector<std::pair<Proposal, Size>> sizes_;
+    mutable std::shared_ptr<const StillScene> still_;
 };
 
 using NodePointer = std::unique_ptr<Node>;

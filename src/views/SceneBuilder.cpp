@@ -1,6 +1,7 @@
 #include "views/SceneBuilder.h"
 
 #include <cmath>
+#include <iterator>
 #include <variant>
 
 #include "views/Node.h"
@@ -40,6 +41,32 @@ bool isFinite(const Rect& rect) {
            std::isfinite(rect.maxY());
 }
 
+// Of what a part of the tree paints that stands still. It is no part of an element's own path.
+constexpr const char* kSharedKey = "/=";
+// Fewer items are made anew as fast as they are shared.
+constexpr std::ptrdiff_t kFewestShared = 3;
+
+// The command with that opacity, where it paints no pixel twice, so that it needs no group for it.
+bool fade(DrawCommand& command, double opacity) {
+    const auto faded = [opacity](const Fill& fill) {
+        return fill.isPlain() ? Fill(fill.from.withOpacity(opacity))
+                              : Fill(fill.from.withOpacity(opacity), fill.to.withOpacity(opacity), fill.start,
+                                     fill.end);
+    };
+    if (auto* const filled = std::get_if<FillShape>(&command)) {
+        filled->fill = faded(filled->fill);
+    } else if (auto* const stroked = std::get_if<StrokeShape>(&command)) {
+        stroked->fill = faded(stroked->fill);
+    } else if (auto* const symbol = std::get_if<DrawSymbol>(&command)) {
+        symbol->color = symbol->color.withOpacity(opacity);
+    } else if (auto* const picture = std::get_if<DrawPicture>(&command)) {
+        picture->opacity *= opacity;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 // How far a thing is from its place that moves in from the edge.
 Point wayFrom(Edge edge, Size size) {
     switch (edge) {
@@ -58,8 +85,12 @@ Point wayFrom(Edge edge, Size size) {
 }  // namespace
 
 SceneBuilder::SceneBuilder(const Palette& palette, Size size, MonotonicInstant now,
-                           const Attention& attention, Purpose purpose)
-    : palette_(palette), now_(now), attention_(attention), visible_{{}, size} {
+                           const Attention& attention, Purpose purpose, std::uint64_t edition)
+    : palette_(palette),
+      now_(now),
+      attention_(attention),
+      visible_{{}, size},
+      edition_(purpose == Purpose::picture ? edition : 0) {
     scene_.picture.size = size;
     scene_.accessible.frame = {{}, size};
     if (purpose == Purpose::accessibleTree) accessibleParent_ = &scene_.accessible;
@@ -92,7 +123,7 @@ void SceneBuilder::leaving(std::size_t index, const Child& child) {
 void SceneBuilder::present(const Child& child, double presence) {
     const Transition& transition = child.transition;
     if (presence == 1) {
-        child.node->build(*this);
+        build(*child.node);
         return;
     }
     Point way;
@@ -103,6 +134,48 @@ void SceneBuilder::present(const Child& child, double presence) {
     // While a spring swings beyond its end, the thing is there.
     const double opacity = transition.fades ? std::min(presence, 1.0) : 1.0;
     moved(way, [&] { group(opacity, std::nullopt, [&] { child.node->build(*this); }); });
+}
+
+StillScene::Situation SceneBuilder::situation() const {
+    return {.edition = edition_,
+            .palette = &palette_,
+            .origin = origin_,
+            .scaleX = transform_.scaleX,
+            .scaleY = transform_.scaleY,
+            .moved = {transform_.x, transform_.y},
+            .visible = visible_,
+            .isInert = isInert_};
+}
+
+void SceneBuilder::build(const Node& node) {
+    if (edition_ == 0) {
+        node.build(*this);
+        return;
+    }
+    const StillScene::Situation situation = this->situation();
+    if (const auto& still = node.still(); still && still->situation == situation) {
+        items_.push_back({path_ + kSharedKey, still->bounds, DrawShared{still->items}});
+        scene_.regions.insert(scene_.regions.end(), still->regions.begin(), still->regions.end());
+        return;
+    }
+    const auto firstItem = static_cast<std::ptrdiff_t>(items_.size());
+    const auto firstRegion = static_cast<std::ptrdiff_t>(scene_.regions.size());
+    const bool movedBefore = std::exchange(moves_, false);
+    node.build(*this);
+    const auto first = items_.begin() + firstItem;
+    if (!moves_ && items_.end() - first >= kFewestShared) {
+        StillScene still{.situation = situation,
+                         .items = std::make_shared<const std::vector<DisplayItem>>(
+                             std::make_move_iterator(first), std::make_move_iterator(items_.end())),
+                         .bounds = {},
+                         .regions = {scene_.regions.begin() + firstRegion, scene_.regions.end()}};
+        for (const DisplayItem& item : *still.items)
+            still.bounds = still.bounds.united(item.bounds);
+        items_.erase(first, items_.end());
+        items_.push_back({path_ + kSharedKey, still.bounds, DrawShared{still.items}});
+        node.keepStill(std::make_shared<const StillScene>(std::move(still)));
+    }
+    moves_ = moves_ || movedBefore;
 }
 
 void SceneBuilder::fill(const Shape& shape, const Fill& fill, Snapping snapping) {
@@ -159,12 +232,12 @@ void SceneBuilder::image(const std::string& name, const Rect& frame) {
     add(box.outset(kSnappingSlack), DrawImage{name, box});
 }
 
-void SceneBuilder::picture(std::shared_ptr<const DisplayList> picture, Point at) {
+void SceneBuilder::picture(std::shared_ptr<const DisplayList> picture, Point at, Snapping snapping) {
     if (!picture) return;
     // A kept picture is shown as it is: it is moved, never scaled.
     const Point there = transformed(at);
     const Rect bounds = Rect{there, picture->size}.outset(kSnappingSlack);
-    add(bounds, DrawPicture{std::move(picture), there});
+    add(bounds, DrawPicture{std::move(picture), there, 1, snapping});
 }
 
 SceneBuilder::Grouping SceneBuilder::beginGroup(const std::optional<RoundedRect>& clip) {
@@ -187,6 +260,10 @@ void SceneBuilder::endGroup(double opacity, Grouping outer) {
     clip_ = outer.clip;
     visible_ = outer.visible;
     if (group.items.empty()) return;
+    if (!group.clip && group.items.size() == 1 && fade(group.items.front().command, opacity)) {
+        items_.push_back(std::move(group.items.front()));
+        return;
+    }
     Rect bounds;
     for (const DisplayItem& item : group.items)
         bounds = bounds.united(item.bounds);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "views/Child.h"
 #include "views/Palette.h"
 #include "views/Scene.h"
+#include "views/StillScene.h"
 
 namespace norvane {
 
@@ -28,8 +30,10 @@ class SceneBuilder {
 
     enum class Purpose { picture, accessibleTree };
 
+    // `edition` is of the tree: what stood still in the last picture of the same one is taken from there. 0 for a
+    // tree that nothing is kept of.
     SceneBuilder(const Palette& palette, Size size, MonotonicInstant now, const Attention& attention,
-                 Purpose purpose = Purpose::picture);
+                 Purpose purpose = Purpose::picture, std::uint64_t edition = 0);
     SceneBuilder(const SceneBuilder&) = delete;
     SceneBuilder& operator=(const SceneBuilder&) = delete;
 
@@ -47,7 +51,10 @@ class SceneBuilder {
         }
         return value.valueAt(now_);
     }
-    void wantFrames(double perSecond) { scene_.frameRate = std::max(scene_.frameRate, perSecond); }
+    void wantFrames(double perSecond) {
+        moves_ = true;
+        scene_.frameRate = std::max(scene_.frameRate, perSecond);
+    }
 
     // Where the parent of the node that is being built stands, before all moving and scaling.
     Point origin() const { return origin_; }
@@ -69,7 +76,20 @@ class SceneBuilder {
     void text(const std::string& text, const TextStyle& style, const Rect& frame, const Color& color);
     void symbol(const std::string& name, const Rect& frame, const Color& color);
     void image(const std::string& name, const Rect& frame);
-    void picture(std::shared_ptr<const DisplayList> picture, Point at);
+    void picture(std::shared_ptr<const DisplayList> picture, Point at, Snapping snapping = Snapping::none);
+    // What `contents` paints with its origin at 0, as a list of that size of its own.
+    template <typename Contents>
+    DisplayList captured(Size size, Contents contents) {
+        auto around = std::exchange(items_, {});
+        const Transform outer = std::exchange(transform_, {});
+        const Rect visible = std::exchange(visible_, {{}, size});
+        const std::size_t items = std::exchange(itemsOfElement_, 0);
+        contents();
+        itemsOfElement_ = items;
+        visible_ = visible;
+        transform_ = outer;
+        return {size, std::exchange(items_, std::move(around))};
+    }
 
     // What `contents` paints, as one thing: with one opacity, cut at the clip.
     template <typename Contents>
@@ -149,6 +169,8 @@ class SceneBuilder {
     template <typename Contents>
     void under(std::string_view key, Contents contents);
     void present(const Child& child, double presence);
+    void build(const Node& node);
+    StillScene::Situation situation() const;
 
     Grouping beginGroup(const std::optional<RoundedRect>& clip);
     void endGroup(double opacity, Grouping outer);
@@ -175,6 +197,8 @@ class SceneBuilder {
     Transform transform_;
     Rect visible_;
     bool isInert_ = false;
+    const std::uint64_t edition_;
+    bool moves_ = false;  // something in the part of the tree that is being built
     AccessibleNode* accessibleParent_ = nullptr;  // null where nothing is told
 };
 

@@ -212,9 +212,9 @@ TEST_F(PreferencesViewTest, EverySwitchGlidesWhereItGoes) {
         const auto thumbs = [&] {
             std::vector<double> all;
             const std::function<void(const std::vector<DisplayItem>&)> collect = [&](const auto& items) {
-                for (const DisplayItem& item : items) {
-                    if (const auto* group = std::get_if<DrawGroup>(&item.command)) collect(group->items);
-                    const auto* fill = std::get_if<FillShape>(&item.command);
+                for (const DisplayItem* item : flatItems(items)) {
+                    if (const auto* group = std::get_if<DrawGroup>(&item->command)) collect(group->items);
+                    const auto* fill = std::get_if<FillShape>(&item->command);
                     const auto* circle = fill != nullptr ? std::get_if<RoundedRect>(&fill->shape) : nullptr;
                     if (circle != nullptr && circle->rect.size == Size{14, 14})
                         all.push_back(circle->rect.midX());

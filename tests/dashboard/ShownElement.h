@@ -77,9 +77,9 @@ class ShownElement {
  private:
     template <typename Command>
     static void collect(const std::vector<DisplayItem>& items, std::vector<Command>& found) {
-        for (const DisplayItem& item : items) {
-            if (const auto* command = std::get_if<Command>(&item.command)) found.push_back(*command);
-            if (const auto* group = std::get_if<DrawGroup>(&item.command)) collect(group->items, found);
+        for (const DisplayItem* item : flatItems(items)) {
+            if (const auto* command = std::get_if<Command>(&item->command)) found.push_back(*command);
+            if (const auto* group = std::get_if<DrawGroup>(&item->command)) collect(group->items, found);
         }
     }
     static std::optional<AccessibleNode> find(const AccessibleNode& node, std::string_view name) {

@@ -86,10 +86,10 @@ bool isFinite(const Rect& rect) {
 
 void checkItems(const std::vector<DisplayItem>& items) {
     std::set<std::string_view> keys;
-    for (const DisplayItem& item : items) {
-        require(keys.insert(item.key).second, "each key is there once in its list");
-        require(isFinite(item.bounds) && !item.bounds.isEmpty(), "what is painted has a place");
-        if (const auto* group = std::get_if<DrawGroup>(&item.command)) checkItems(group->items);
+    for (const DisplayItem* item : flatItems(items)) {
+        require(keys.insert(item->key).second, "each key is there once in its list");
+        require(isFinite(item->bounds) && !item->bounds.isEmpty(), "what is painted has a place");
+        if (const auto* group = std::get_if<DrawGroup>(&item->command)) checkItems(group->items);
     }
 }
 

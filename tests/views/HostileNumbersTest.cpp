@@ -41,9 +41,9 @@ void expectFinite(const AccessibleNode& node, const std::string& where) {
 }
 
 void expectFinite(const std::vector<DisplayItem>& items, const std::string& where) {
-    for (const DisplayItem& item : items) {
-        EXPECT_TRUE(isFinite(item.bounds)) << where << ", item " << printed({{}, {item}});
-        if (const auto* group = std::get_if<DrawGroup>(&item.command)) expectFinite(group->items, where);
+    for (const DisplayItem* item : flatItems(items)) {
+        EXPECT_TRUE(isFinite(item->bounds)) << where << ", item " << printed({{}, {*item}});
+        if (const auto* group = std::get_if<DrawGroup>(&item->command)) expectFinite(group->items, where);
     }
 }
 

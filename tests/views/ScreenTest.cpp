@@ -9,10 +9,10 @@ struct Found {
 };
 
 Found find(const std::vector<DisplayItem>& items, const std::string& text, double opacity) {
-    for (const DisplayItem& item : items) {
-        if (const auto* shown = std::get_if<DrawText>(&item.command)) {
-            if (shown->text == text) return {&item, opacity * shown->color.alpha};
-        } else if (const auto* group = std::get_if<DrawGroup>(&item.command)) {
+    for (const DisplayItem* item : flatItems(items)) {
+        if (const auto* shown = std::get_if<DrawText>(&item->command)) {
+            if (shown->text == text) return {item, opacity * shown->color.alpha};
+        } else if (const auto* group = std::get_if<DrawGroup>(&item->command)) {
             const Found found = find(group->items, text, opacity * group->opacity);
             if (found.item != nullptr) return found;
         }

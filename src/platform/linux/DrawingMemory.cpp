@@ -16,7 +16,7 @@ Cancellation DrawingMemory::popoverShown() {
 
 void DrawingMemory::drop() {
     drop_.cancel();
-    layouts_.clear();
+    layouts_.close();
     dropped_.tell();
     malloc_trim(0);
 }

@@ -71,6 +71,10 @@ void FramePart::paint(const std::vector<DisplayItem>& items) {
 
 void FramePart::paint(const DisplayItem& item) {
     const PixelRect all = pixels_;
+    if (const auto* shared = std::get_if<DrawShared>(&item.command)) {
+        if (shared->items && !covering(item.bounds).intersection(all).isEmpty()) paint(*shared->items);
+        return;
+    }
     pixels_ = covering(item.bounds).intersection(all);
     if (!pixels_.isEmpty()) {
         cairo_t* const context = context_.get();
@@ -91,6 +95,10 @@ void FramePart::paint(const DisplayItem& item) {
 void FramePart::operator()(const FillShape& fill) {
     if (!useFill(fill.fill)) return;
     const bool snaps = fill.snapping == Snapping::toPixels;
+    if (!snaps && coversAll(fill.shape, pixels_)) {
+        cairo_paint(context_.get());  // as it would be filled, without a way around it
+        return;
+    }
     const bool isDrawn = addShape(
         context_.get(), snaps ? snappedToPixels(fill.shape, placement_.scale) : fill.shape, placement_.scale);
     if (isDrawn) cairo_fill(context_.get());
@@ -193,13 +201,18 @@ void FramePart::operator()(const DrawPicture& picture) {
     const double scale = placement_.scale;
     const Point at{picture.at.x * scale, picture.at.y * scale};
     if (!picture.picture || !isFinite(at) || std::abs(at.x) > kFarthestPixel ||
-        std::abs(at.y) > kFarthestPixel || depth_ >= kDeepest) {
+        std::abs(at.y) > kFarthestPixel || !(picture.opacity > 0) || depth_ >= kDeepest) {
         return;
     }
     const PixelRect extent = pixelsCovering(Rect{{}, picture.picture->size}, scale);
     if (extent.isEmpty()) return;
     if (std::int64_t{extent.width} * extent.height <= kLargestBitmap) {
         paintBitmap(picture, at);
+        return;
+    }
+    if (picture.opacity < 1) {
+        const Rect all{picture.at, picture.picture->size};
+        (*this)(DrawGroup{picture.opacity, std::nullopt, {{"", all, DrawPicture{picture.picture, picture.at}}}});
         return;
     }
     const Placement moved{scale, placement_.x + pixelsAt(at.x, 1), placement_.y + pixelsAt(at.y, 1)};
@@ -216,14 +229,15 @@ void FramePart::paintBitmap(const DrawPicture& picture, Point at) {
         bitmap = painted(picture.picture->items, extent, {scale, 0, 0});
         tools_.caches.pictures.keep(picture.picture, scale, bitmap);
     }
-    const double x = std::abs(at.x - std::round(at.x)) < kUnseen ? std::round(at.x) : at.x;
-    const double y = std::abs(at.y - std::round(at.y)) < kUnseen ? std::round(at.y) : at.y;
+    const double reach = picture.snapping == Snapping::toPixels ? 1 : kUnseen;
+    const double x = std::abs(at.x - std::round(at.x)) < reach ? std::round(at.x) : at.x;
+    const double y = std::abs(at.y - std::round(at.y)) < reach ? std::round(at.y) : at.y;
     usePixels();
     cairo_set_source_surface(context_.get(), bitmap.get(), placement_.x + x, placement_.y + y);
     const bool isOnPixels = x == std::round(x) && y == std::round(y);
     cairo_pattern_set_filter(cairo_get_source(context_.get()),
                              isOnPixels ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR);
-    cairo_paint(context_.get());
+    cairo_paint_with_alpha(context_.get(), std::min(picture.opacity, 1.0));
 }
 
 void FramePart::operator()(const DrawGroup& group) {

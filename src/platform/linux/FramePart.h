@@ -39,6 +39,8 @@ class FramePart {
     void operator()(const DrawImage& image);
     void operator()(const DrawPicture& picture);
     void operator()(const DrawGroup& group);
+    // Never asked: the items that it shares are painted in its place.
+    void operator()(const DrawShared&) {}
 
  private:
     void paint(const DisplayItem& item);

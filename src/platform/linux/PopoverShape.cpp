@@ -15,6 +15,8 @@ namespace {
 constexpr double kCornerRadius = 10;
 constexpr double kShadowSoftness = 9;
 constexpr double kShadowDrop = 5;
+// Pixels: how far in the lines along the edge reach.
+constexpr int kEdge = 3;
 
 // How far in from the side the rounded corner is, in the row that many pixels from the top.
 int cornerInset(double radius, int row) {
@@ -47,7 +49,20 @@ std::vector<PixelRect> PopoverShape::differencesFrom(const PopoverShape& before)
     return {{0, from, width, height - from}};
 }
 
+bool PopoverShape::isAmidPanel(const PixelRect& part) const {
+    const int corner = static_cast<int>(std::ceil(radius()));
+    const auto isWithin = [&](int across, int down) {
+        return part.x >= panel.x + across && part.y >= panel.y + down &&
+               part.x + part.width <= panel.x + panel.width - across &&
+               part.y + part.height <= panel.y + panel.height - down;
+    };
+    return isWithin(kEdge, corner) || isWithin(corner, kEdge);
+}
+
 void PopoverShape::finish(cairo_surface_t* image, std::span<const PixelRect> painted) const {
+    // Most frames change something in the middle alone.
+    if (std::all_of(painted.begin(), painted.end(), [this](const PixelRect& part) { return isAmidPanel(part); }))
+        return;
     const PanelTones& tones = panelTones(isDark);
     const CairoContext context(cairo_create(image));
     for (const PixelRect& part : painted)

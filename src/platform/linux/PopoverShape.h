@@ -36,6 +36,8 @@ struct PopoverShape {
 
  private:
     double radius() const;
+    // Whether the part certainly has nothing of the panel's edge.
+    bool isAmidPanel(const PixelRect& part) const;
 };
 
 }  // namespace norvane

@@ -173,6 +173,12 @@ void TextLayouts::clear() {
     bytes_ = 0;
 }
 
+void TextLayouts::close() {
+    clear();
+    context_.reset();
+    fontMap_.reset();
+}
+
 PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, double width) {
     // No more bytes than the longest text can have are looked at, and one character more to see that it is
     // cut.

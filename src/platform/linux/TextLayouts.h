@@ -45,6 +45,8 @@ class TextLayouts {
     // What is kept, and never more of it than the bounds below.
     std::size_t count() const { return entries_.size(); }
     void clear();
+    // Lets go of the fonts, too: the next text opens those that it needs.
+    void close();
 
     static constexpr std::size_t kLongestText = 4000;
     static constexpr std::size_t kMostLayouts = 512;
