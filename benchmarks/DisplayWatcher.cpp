@@ -9,6 +9,8 @@
 #include <string_view>
 #include <thread>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace norvane {
 namespace {
@@ -20,6 +22,11 @@ constexpr std::size_t kColorsOfAPicture = 8;
 
 // Between two looks. Looking all the time would keep the server from painting.
 constexpr auto kPause = 200us;
+
+// Of a dashboard, in pixels at scale 1: where its title stands, without the panel's edge.
+constexpr std::int16_t kTitleInset = 8;
+constexpr std::uint16_t kTitleWidth = 100;
+constexpr std::uint16_t kTitleHeight = 30;
 
 }  // namespace
 
@@ -65,9 +72,9 @@ X11Reply<xcb_generic_event_t> DisplayWatcher::nextEvent(Clock::time_point deadli
     }
 }
 
-std::optional<DisplayWatcher::Shown> DisplayWatcher::nextShown(const std::string& windowClass,
-                                                               std::chrono::milliseconds patience,
-                                                               const std::function<bool()>& isHopeless) {
+std::optional<DisplayWatcher::Mapped> DisplayWatcher::nextMapped(const std::string& windowClass,
+                                                                 std::chrono::milliseconds patience,
+                                                                 const std::function<bool()>& isHopeless) {
     const auto deadline = Clock::now() + patience;
     while (Clock::now() < deadline && !isHopeless()) {
         const auto event = nextEvent(std::min(deadline, Clock::now() + 100ms));
@@ -75,21 +82,43 @@ std::optional<DisplayWatcher::Shown> DisplayWatcher::nextShown(const std::string
         const auto mappedAt = Clock::now();
         xcb_map_notify_event_t mapped;
         std::memcpy(&mapped, event.get(), sizeof mapped);
-        if (!hasClass(mapped.window, windowClass)) continue;
-
-        while (Clock::now() < deadline && !isHopeless()) {
-            if (isPainted(mapped.window)) {
-                const auto paintedAt = Clock::now();
-                const X11Reply<xcb_get_geometry_reply_t> place(xcb_get_geometry_reply(
-                    connection_.get(), xcb_get_geometry(connection_.get(), mapped.window), nullptr));
-                if (!place) return std::nullopt;
-                return Shown{mapped.window, mappedAt, paintedAt, place->x + place->width / 2,
-                             place->y + place->height / 2};
-            }
-            std::this_thread::sleep_for(kPause);
-        }
+        if (hasClass(mapped.window, windowClass)) return Mapped{mapped.window, mappedAt};
     }
     return std::nullopt;
+}
+
+std::optional<DisplayWatcher::Shown> DisplayWatcher::nextShown(const std::string& windowClass,
+                                                               std::chrono::milliseconds patience,
+                                                               const std::function<bool()>& isHopeless) {
+    const auto deadline = Clock::now() + patience;
+    const auto mapped = nextMapped(windowClass, patience, isHopeless);
+    while (mapped && Clock::now() < deadline && !isHopeless()) {
+        if (isPainted(mapped->window)) {
+            const auto paintedAt = Clock::now();
+            const X11Reply<xcb_get_geometry_reply_t> place(xcb_get_geometry_reply(
+                connection_.get(), xcb_get_geometry(connection_.get(), mapped->window), nullptr));
+            if (!place) return std::nullopt;
+            return Shown{mapped->window, mapped->at, paintedAt, place->x + place->width / 2,
+                         place->y + place->height / 2};
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+    return std::nullopt;
+}
+
+std::optional<DisplayWatcher::Clock::time_point> DisplayWatcher::halfPainted(
+    xcb_window_t window, std::chrono::milliseconds duration) {
+    std::vector<std::pair<Clock::time_point, int>> seen;
+    for (const auto end = Clock::now() + duration; Clock::now() < end;) {
+        const int contrast = contrastOfTitle(window);
+        seen.emplace_back(Clock::now(), contrast);
+        std::this_thread::sleep_for(kPause);
+    }
+    if (seen.empty() || seen.back().second <= 0) return std::nullopt;
+    const auto half = std::find_if(seen.begin(), seen.end(), [most = seen.back().second](const auto& look) {
+        return 2 * look.second >= most;
+    });
+    return half->first;
 }
 
 bool DisplayWatcher::waitUntilHidden(xcb_window_t window, std::chrono::milliseconds patience) {
@@ -128,6 +157,25 @@ bool DisplayWatcher::hasClass(xcb_window_t window, const std::string& windowClas
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return false;
+}
+
+// Between the brightest and the darkest pixel, 0 to 255.
+int DisplayWatcher::contrastOfTitle(xcb_window_t window) {
+    const X11Reply<xcb_get_image_reply_t> image(
+        xcb_get_image_reply(connection_.get(),
+                            xcb_get_image(connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, kTitleInset,
+                                          kTitleInset, kTitleWidth, kTitleHeight, ~0U),
+                            nullptr));
+    if (!image) return 0;
+    const std::uint8_t* const bytes = xcb_get_image_data(image.get());
+    const auto length = static_cast<std::size_t>(xcb_get_image_data_length(image.get()));
+    int least = 255;
+    int most = 0;
+    for (std::size_t at = 1; at < length; at += 4) {  // green stands second, whatever the byte order
+        least = std::min<int>(least, bytes[at]);
+        most = std::max<int>(most, bytes[at]);
+    }
+    return std::max(0, most - least);
 }
 
 bool DisplayWatcher::isPainted(xcb_window_t window) {

@@ -31,6 +31,17 @@ class DisplayWatcher {
     // Null where there is no such display, or it cannot tell of clicks.
     static std::unique_ptr<DisplayWatcher> open(const std::string& display);
 
+    struct Mapped {
+        xcb_window_t window = XCB_NONE;
+        Clock::time_point at;
+    };
+    // Waits for the next window of this class to be mapped. None if that takes too long or `isHopeless` says
+    // so first.
+    std::optional<Mapped> nextMapped(const std::string& windowClass, std::chrono::milliseconds patience,
+                                     const std::function<bool()>& isHopeless);
+    // Watches the top left corner of a window, where its title is, for that long: when it first stood out
+    // from its ground half as much as it did in the end. None where nothing came to stand out.
+    std::optional<Clock::time_point> halfPainted(xcb_window_t window, std::chrono::milliseconds duration);
     // Waits for the next window of this class to be mapped and painted. None if that takes too long or
     // `isHopeless` says so first.
     std::optional<Shown> nextShown(const std::string& windowClass, std::chrono::milliseconds patience,
@@ -54,6 +65,7 @@ class DisplayWatcher {
     X11Reply<xcb_generic_event_t> nextEvent(Clock::time_point deadline);
     bool hasClass(xcb_window_t window, const std::string& windowClass);
     bool isPainted(xcb_window_t window);
+    int contrastOfTitle(xcb_window_t window);
 
     Connection connection_;
     xcb_window_t root_;

@@ -17,8 +17,11 @@
 #include "ChildProcess.h"
 #include "DisplayWatcher.h"
 #include "Environment.h"
+#include "PanelBenchmark.h"
 #include "ProcessFigures.h"
 #include "ScratchFolder.h"
+#include "Surroundings.h"
+#include "Verdict.h"
 
 namespace norvane {
 namespace {
@@ -48,38 +51,6 @@ bool hasThermalZones() {
     }
     return false;
 }
-
-// Says each figure beside its bound, and remembers whether all bounds were kept.
-class Verdict {
- public:
-    void judge(const std::string& what, double figure, const char* unit, double bound,
-               const std::string& more = "") {
-        const bool isWithin = figure <= bound;
-        isGood_ = isGood_ && isWithin;
-        std::printf("%-44s %8.2f %s, bound %.2f: %s%s\n", what.c_str(), figure, unit, bound,
-                    isWithin ? "ok" : "OVER", more.c_str());
-        std::fflush(stdout);
-    }
-    void tell(const std::string& what, double figure, const char* unit, const std::string& more = "") {
-        std::printf("%-44s %8.2f %s%s\n", what.c_str(), figure, unit, more.c_str());
-        std::fflush(stdout);
-    }
-    void fail(const std::string& what) {
-        isGood_ = false;
-        std::printf("%s\n", what.c_str());
-        std::fflush(stdout);
-    }
-    bool isGood() const { return isGood_; }
-
- private:
-    bool isGood_ = true;
-};
-
-// One way of running the program: with or without a session bus.
-struct Surroundings {
-    std::string name;
-    Environment environment;
-};
 
 class ProgramBenchmark {
  public:
@@ -211,7 +182,7 @@ int complain(const char* what) {
     return 2;
 }
 
-int run(const std::string& program) {
+int run(const std::string& program, const std::string& serverProgram) {
     const ScratchFolder scratch;
     if (scratch.path().empty()) return complain("There is no room for temporary files.");
     // Nothing of the desktop that this runs on, so that the figures are comparable.
@@ -240,24 +211,30 @@ int run(const std::string& program) {
     const std::vector<Surroundings> all{
         {"no bus", alone},
         {"bus", alone.with("DBUS_SESSION_BUS_ADDRESS", *address).with("DBUS_SYSTEM_BUS_ADDRESS", *address)}};
+    // Its settings are those of somebody who has been welcomed, here as well.
+    PanelBenchmark panels(all.front(), scratch.path(), server.id(), *watcher, verdict);
     for (const Surroundings& surroundings : all)
         benchmark.measureStarts(surroundings);
+    panels.measure(program);
+    panels.measureManyProcessors(serverProgram);
     for (const Surroundings& surroundings : all)
         benchmark.measureLife(surroundings);
     return verdict.isGood() ? 0 : 1;
 }
 
-// The program that lies where a build leaves it.
-std::string builtProgram() {
+// Where this program lies.
+std::filesystem::path ownFolder() {
     std::error_code error;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (self.parent_path().parent_path() / "norvane").string();
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
 
 }  // namespace
 }  // namespace norvane
 
 int main(int argumentCount, char** arguments) {
-    const std::string program = argumentCount > 1 ? arguments[1] : norvane::builtProgram();
-    return norvane::run(program);
+    const std::filesystem::path folder = norvane::ownFolder();
+    // The program lies where a build leaves it.
+    const std::string program =
+        argumentCount > 1 ? arguments[1] : (folder.parent_path() / "norvane").string();
+    return norvane::run(program, (folder / "norvane_server_program").string());
 }

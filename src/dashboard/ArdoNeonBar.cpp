@@ -37,7 +37,7 @@ double ArdoNeonBar::ratio(double value, double total) {
 
 Element ArdoNeonBar::body() const {
     const double target = ratio(value, total);
-    const Animation animation = GaugeMotion::following(useSpring, GaugeMotion::kBarDamping);
+    const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kBarDamping);
     return stateful<Drawn>(
                {},
                [color = color, target, animation](const State<Drawn>& state) {

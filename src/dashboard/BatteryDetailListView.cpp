@@ -17,10 +17,9 @@ namespace {
 
 // Here the dot is beside the value.
 Element row(const std::string& label, const std::string& value, const Paint& dot) {
-    const TextStyle words{.font = font::system(12, FontWeight::medium), .lineLimit = 1};
     const TextStyle figure{.font = {.size = 11, .weight = FontWeight::medium, .monospacedDigits = true},
                            .lineLimit = 1};
-    return hstack({.spacing = 4}, text(label, words), spacer(), panelDot(dot), text(value, figure))
+    return hstack({.spacing = 4}, panelLabel(label), spacer(), panelDot(dot), text(value, figure))
         .accessible({.role = AccessibleRole::text, .name = label, .value = value});
 }
 

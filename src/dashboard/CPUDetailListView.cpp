@@ -14,13 +14,13 @@
 namespace norvane {
 namespace {
 
-const TextStyle kWords{.font = font::system(12, FontWeight::medium), .lineLimit = 1};
-
+// Digits of one width, as everywhere in the panels, so that a cluster's figure does not push the other
+// cluster.
 Element cluster(const std::string& label, double usage, Ink ink) {
     const std::string value = decimal(usage, 2) + "%";
-    return hstack({.spacing = 4},       //
-                  panelDot(ink),        //
-                  text(label, kWords),  //
+    return hstack({.spacing = 4},     //
+                  panelDot(ink),      //
+                  panelLabel(label),  //
                   text(value, {.font = {.size = 12, .weight = FontWeight::medium, .monospacedDigits = true}}))
         .accessible({.role = AccessibleRole::text, .name = label, .value = value});
 }
@@ -51,6 +51,7 @@ Element CPUDetailListView::body() const {
                                                             snapshot->performanceCoreUsage, kPerformanceInk);
                                          }));
                        }),
+                  // The columns share the whole width; each ring stands in the middle of its own.
                   grid({.columns = 8, .columnSpacing = 8, .rowSpacing = 16},
                        forEach(coreItems(*snapshot),
                                [](const CoreItem& core) {

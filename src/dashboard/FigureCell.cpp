@@ -20,11 +20,15 @@ Element panelDot(const Paint& paint, const Paint& glow) {
 Element FigureCell::body() const {
     return hstack({.spacing = 4},  //
                   panelDot(dot, glow),
-                  text(label, {.font = font::system(12, FontWeight::medium), .lineLimit = 1}),  //
-                  spacer(),                                                                     //
+                  panelLabel(label),  //
+                  spacer(),           //
                   when(!value.empty(),
                        [this] { return text(value, {.font = font, .lineLimit = 1}, valuePaint); }))
         .accessible({.role = AccessibleRole::text, .name = label, .value = value});
+}
+
+Element panelLabel(std::string words) {
+    return text(std::move(words), {.font = font::system(12, FontWeight::medium), .lineLimit = 1});
 }
 
 Element figureRow(const FigureCell& first, const FigureCell& second) {

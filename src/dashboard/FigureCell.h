@@ -29,6 +29,9 @@ struct FigureCell {
 // A dot as the panels have them, 4.5 points wide.
 Element panelDot(const Paint& paint, const Paint& glow = Ink::clear);
 
+// What a figure, a bar or a row is of, on one line.
+Element panelLabel(std::string words);
+
 // Between two cells, in points.
 inline constexpr double kFigureGap = 24;
 

@@ -12,7 +12,7 @@ namespace norvane {
 // How the gauges move. What a gauge draws lags behind its target by the length of an animation.
 struct GaugeMotion {
     // By what a drawn value gets to its target, the first time and later on.
-    static Animation following(bool useSpring, double dampingFraction) {
+    static Animation animation(bool useSpring, double dampingFraction) {
         return useSpring ? Animation::spring(0.6, dampingFraction) : Animation::easeOut(0.55);
     }
     static Animation breathing() { return Animation::easeInOut(2.0).foreverThereAndBack(); }

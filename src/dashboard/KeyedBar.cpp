@@ -21,13 +21,12 @@ Element key(const Paint& paint, const std::string& label) {
 }  // namespace
 
 Element KeyedBar::body() const {
-    const TextStyle words{.font = font::system(12, FontWeight::medium), .lineLimit = 1};
     return vstack(
         {.alignment = Alignment::start, .spacing = kSpacing},
         vstack({.spacing = kSpacing},
-               hstack({.spacing = 4},      //
-                      text(label, words),  //
-                      spacer(),            //
+               hstack({.spacing = 4},     //
+                      panelLabel(label),  //
+                      spacer(),           //
                       text(value, {.font = valueFont, .lineLimit = 1}).layoutPriority(1)),
                bar.body().frame({.height = kBarHeight}))
             .accessible({.role = AccessibleRole::meter, .name = label, .value = value}),

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "dashboard/ArdoNeonBar.h"
+#include "dashboard/ExternalVolume.h"
 #include "dashboard/FigureCell.h"
 #include "dashboard/SteadyInsight.h"
 #include "drawing/NamedFonts.h"
@@ -41,8 +42,7 @@ Element totalCell(double gigabytes) {
 
 std::string formatMemorySize(double gigabytes) {
     if (!std::isfinite(gigabytes)) return "0.0 GB";
-    if (gigabytes >= kGBPerTB) return decimal(gigabytes / kGBPerTB, 2) + " TB";
-    return decimal(gigabytes, 2) + " GB";
+    return formatVolumeSize(gigabytes);
 }
 
 Element MemoryExpandedView::body() const {

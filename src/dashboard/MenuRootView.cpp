@@ -86,6 +86,7 @@ MenuRootView::MenuRootView(const Platform& platform, const PreferencesStore& pre
         sampler_->isUIVisible().observe([this](bool isVisible) { didChangeVisibility(isVisible); });
     // A tick publishes its state first and its snapshot, where it has one, after that. The snapshot is what
     // the view shows, so one redraw a tick is enough: the state is read along with it.
+    preferenceChanges_ = preferences_.observe([this] { hosted_.invalidate(); });
     snapshots_ = sampler_->snapshot().observe([this](const auto&) { didPublish(); });
 }
 
@@ -223,8 +224,8 @@ Element MenuRootView::panelCard(SnapshotSection section) {
         return Element::none();
     };
     const double shadow = appearance_.isDark() ? 0 : 0.08;
-    return vstack({.alignment = Alignment::start, .spacing = 8},  //
-                  panel().id(std::string(rawTextOf(section))))
+    return scrollArea(vstack({.alignment = Alignment::start, .spacing = 8},  //
+                             panel().id(std::string(rawTextOf(section)))))
         .padding(Insets::all(12))
         .frame({.maxWidth = Proposal::kMost, .horizontal = Alignment::start})
         .background(
@@ -233,6 +234,7 @@ Element MenuRootView::panelCard(SnapshotSection section) {
                                                                .radius = 6,
                                                                .offset = {0, 2},
                                                                .isOutsideOnly = true}}}))
+        .layoutPriority(1)
         .transition(Transition::opacity());
 }
 
@@ -260,8 +262,8 @@ Element MenuRootView::detailList(SnapshotSection section) {
     if (section == SnapshotSection::storage && (!snapshot || snapshot->volumes.empty())) {
         return Element::none();
     }
-    // The popover never grows past the screen: what does not fit of the list scrolls. Each pod's list begins
-    // at its top.
+    // The popover never grows past the screen: what does not fit of the list scrolls, and where that is not
+    // enough, the panel does. Each pod's list begins at its top.
     return scrollArea(vstack({.spacing = 8}, list()).padding({.top = 8, .left = 12, .right = 12}))
         .id(std::string(rawTextOf(section)))
         .transition(Transition::move(Edge::top).withOpacity());

@@ -84,6 +84,7 @@ class MenuRootView {
     HostedView hosted_;
     Cancellation visibilityChanges_;
     Cancellation snapshots_;
+    Cancellation preferenceChanges_;
 };
 
 }  // namespace norvane

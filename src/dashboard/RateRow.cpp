@@ -14,12 +14,11 @@
 namespace norvane {
 
 std::string formatRate(double rateMBps) {
-    const double whole = std::isnan(rateMBps) ? 0 : std::trunc(std::max(rateMBps, 0.0));
+    const double whole = std::isfinite(rateMBps) ? std::trunc(std::max(rateMBps, 0.0)) : 0;
     return decimal(whole, 0) + " MB/s";
 }
 
 Element RateRow::body() const {
-    const TextStyle words{.font = font::system(12, FontWeight::medium), .lineLimit = 1};
     const TextStyle figure{.font = {.size = 12, .weight = FontWeight::medium, .monospacedDigits = true},
                            .alignment = TextAlignment::trailing,
                            .lineLimit = 1};
@@ -27,7 +26,7 @@ Element RateRow::body() const {
     if (!barId.empty()) bar = std::move(bar).id(barId);
     return hstack({.spacing = 4},                                                      //
                   panelDot(Paint(Ink::yellow).withOpacity(rateMBps > 0 ? 1.0 : 0.4)),  //
-                  text(label, words),                                                  //
+                  panelLabel(label),                                                   //
                   spacer(),                                                            //
                   std::move(bar).frame({.width = 60, .height = 4}).padding(Insets::horizontal(8)),
                   text(formatRate(rateMBps), figure).frame({.width = 65, .horizontal = Alignment::end}))

@@ -12,6 +12,12 @@
 #include "views/Text.h"
 
 namespace norvane {
+namespace {
+
+// A sentence is shown whole before anything else gets room.
+constexpr double kSentencePriority = 1;
+
+}  // namespace
 
 Element insightLines(std::string_view text, bool isSplit) {
     const TextStyle style{.font = font::system(11), .lineSpacing = 1.5};
@@ -22,19 +28,25 @@ Element insightLines(std::string_view text, bool isSplit) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     if (!isSplit) lines.push_back(norvane::text(std::string(text), style, Ink::secondary));
-    return vstack({.alignment = Alignment::start, .spacing = 2}, std::move(lines)).layoutPriority(1);
+    return vstack({.alignment = Alignment::start, .spacing = 2}, std::move(lines))
+        .layoutPriority(kSentencePriority);
 }
 
 Element SteadyInsight::body() const {
-    return stateful<VerbalStabiliser>({}, [view = *this](const State<VerbalStabiliser>& stabiliser) {
-        return insightLines(stabiliser->displayed(view.insight()), view.isSplit)
-            .onAppear([stabiliser, view] {
-                stabiliser.change([&](VerbalStabiliser& steady) { steady.appear(view.insight()); });
-            })
-            .onChange(view.timestamp, [stabiliser, view] {
-                stabiliser.change([&](VerbalStabiliser& steady) { steady.update(view.insight()); });
-            });
-    });
+    return stateful<VerbalStabiliser>(
+               {},
+               [view = *this](const State<VerbalStabiliser>& stabiliser) {
+                   return insightLines(stabiliser->displayed(view.insight()), view.isSplit)
+                       .onAppear([stabiliser, view] {
+                           stabiliser.change(
+                               [&](VerbalStabiliser& steady) { steady.appear(view.insight()); });
+                       })
+                       .onChange(view.timestamp, [stabiliser, view] {
+                           stabiliser.change(
+                               [&](VerbalStabiliser& steady) { steady.update(view.insight()); });
+                       });
+               })
+        .layoutPriority(kSentencePriority);
 }
 
 }  // namespace norvane

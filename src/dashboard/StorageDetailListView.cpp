@@ -11,6 +11,7 @@
 
 #include "dashboard/ArdoNeonBar.h"
 #include "dashboard/CapacityColor.h"
+#include "dashboard/FigureCell.h"
 #include "dashboard/ShownVolumeName.h"
 #include "drawing/NamedFonts.h"
 #include "views/Button.h"
@@ -36,8 +37,12 @@ struct StorageDetailListView::Listing {
     // What has been ejected, with the latest scan that may have seen it still.
     std::map<std::string, std::uint64_t> ejectedURLs = {};
 
-    Cancellation mounts = {};
-    Cancellation unmounts = {};
+    // What is listened to while somebody looks. Also a list that is on its way out stops listening.
+    struct Watch {
+        Cancellation mounts;
+        Cancellation unmounts;
+    };
+    std::shared_ptr<Watch> watch = {};
     Cancellation visibilityChanges = {};
 
     void show(std::uint64_t scan, std::vector<ExternalVolume> volumes);
@@ -96,15 +101,10 @@ void StorageDetailListView::appear(const State<Listing>& listing) const {
     };
     // First, so that nothing that comes during the scan is missed.
     listing.change([&](Listing& now) {
-        now.mounts = workspace.onDidMount(rescanAfter({}));
-        now.unmounts = workspace.onDidUnmount(rescanAfter(kUnmountDelay));
-        now.visibilityChanges = isUIVisible.observe([weak](bool isVisible) {
-            const auto closed = isVisible ? std::nullopt : weak.lock();
-            if (!closed) return;
-            closed->change([](Listing& then) {
-                then.mounts.cancel();
-                then.unmounts.cancel();
-            });
+        now.watch = std::make_shared<Listing::Watch>(Listing::Watch{
+            workspace.onDidMount(rescanAfter({})), workspace.onDidUnmount(rescanAfter(kUnmountDelay))});
+        now.visibilityChanges = isUIVisible.observe([watch = std::weak_ptr(now.watch)](bool isVisible) {
+            if (const auto listened = isVisible ? nullptr : watch.lock()) *listened = {};
         });
     });
     refreshExternalVolumes(listing);
@@ -146,14 +146,13 @@ void StorageDetailListView::ejectAllVolumes(const State<Listing>& listing) const
 }
 
 Element StorageDetailListView::row(const State<Listing>& listing, const ExternalVolume& volume) const {
-    const std::string name = shownVolumeName(volume.name);
+    const std::string name = shownVolumeName(volume);
     const bool isSized = volume.totalGB > kLeastTotalGB;
     const std::string sizes =
         formatVolumeSize(volume.availableGB) + " available of " + formatVolumeSize(volume.totalGB);
     const bool isEjecting = listing->ejectingURLs.contains(volume.url);
     Element words =
-        vstack({.alignment = Alignment::start, .spacing = 4},
-               text(name, {.font = font::system(12, FontWeight::medium), .lineLimit = 1}),
+        vstack({.alignment = Alignment::start, .spacing = 4}, panelLabel(name),
                when(isSized, [&] { return figuresOf(volume, sizes); }))
             .accessible(isSized ? Accessible{.role = AccessibleRole::meter, .name = name, .value = sizes}
                                 : Accessible{.role = AccessibleRole::text, .name = name});

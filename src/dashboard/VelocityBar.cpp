@@ -25,7 +25,7 @@ double VelocityBar::fill(double speedMBps) {
 
 Element VelocityBar::body() const {
     const double target = fill(speedMBps);
-    const Animation animation = GaugeMotion::following(useSpring, GaugeMotion::kBarDamping);
+    const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kBarDamping);
     return stateful<Drawn>(
                {},
                [color = color, target, animation](const State<Drawn>& state) {

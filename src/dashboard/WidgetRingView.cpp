@@ -67,7 +67,7 @@ Element texts(const WidgetRingView& view) {
 
 Element WidgetRingView::body() const {
     const double target = finite(progress);
-    const Animation animation = GaugeMotion::following(useSpring, GaugeMotion::kRingDamping);
+    const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kRingDamping);
     return stateful<Drawn>({},
                            [view = *this, target, animation](const State<Drawn>& state) {
                                Element gauge = vstack({.spacing = kSpacing}, ring(view, *state), texts(view));

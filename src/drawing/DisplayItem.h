@@ -107,16 +107,16 @@ struct DrawGroup {
     bool operator==(const DrawGroup&) const;
 };
 
-// Items that stay as they are from frame to frame, shared rather than made anew: nothing else than if they stood
-// in the list themselves, in this place.
+// Items that stay as they are from frame to frame, shared rather than made anew: nothing else than if they
+// stood in the list themselves, in this place.
 struct DrawShared {
     std::shared_ptr<const std::vector<DisplayItem>> items;  // null is none
 
     bool operator==(const DrawShared&) const;
 };
 
-using DrawCommand = std::variant<FillShape, StrokeShape, DrawShadow, DrawText, DrawSymbol, DrawImage, DrawPicture,
-                                 DrawGroup, DrawShared>;
+using DrawCommand = std::variant<FillShape, StrokeShape, DrawShadow, DrawText, DrawSymbol, DrawImage,
+                                 DrawPicture, DrawGroup, DrawShared>;
 
 // One thing painted, and the element that asked for it.
 struct DisplayItem {

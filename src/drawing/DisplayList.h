@@ -17,8 +17,8 @@ struct DisplayList {
     bool operator==(const DisplayList&) const = default;
 };
 
-// The items one after another as they are painted, the shared ones in the place of what shares them. Groups and
-// pictures are items like others. Valid as long as the given ones.
+// The items one after another as they are painted, the shared ones in the place of what shares them. Groups
+// and pictures are items like others. Valid as long as the given ones.
 std::vector<const DisplayItem*> flatItems(const std::vector<DisplayItem>& items);
 
 // One line per item, for tests and for people. What is shared is printed as if it were not.

@@ -11,8 +11,11 @@ class VerbalStabiliser {
  public:
     static constexpr int kRequiredTicks = 3;
 
-    // The panel appears: the text of that moment stands at once.
-    void appear(std::string_view text) { stableVerbalText_ = text; }
+    // The panel appears: the text of that moment stands at once, and nothing is trying to take over.
+    void appear(std::string_view text) {
+        stableVerbalText_ = text;
+        forgetCandidate();
+    }
 
     // A new snapshot was published, which gives this text. Whether the text on screen became another one.
     bool update(std::string_view text);

@@ -37,7 +37,8 @@ class KeptCanvasNode final : public Node {
         if (kept_ == nullptr || palette_ != &scene.palette() || kept_->size != frame.size) {
             DisplayList drawn = scene.captured(frame.size, [&] { draw_(scene, {{}, frame.size}); });
             // The same list goes on, so that whoever has painted it need not do so again.
-            if (kept_ == nullptr || *kept_ != drawn) kept_ = std::make_shared<const DisplayList>(std::move(drawn));
+            if (kept_ == nullptr || *kept_ != drawn)
+                kept_ = std::make_shared<const DisplayList>(std::move(drawn));
             palette_ = &scene.palette();
         }
         scene.picture(kept_, frame.origin, Snapping::toPixels);
@@ -46,7 +47,7 @@ class KeptCanvasNode final : public Node {
  private:
     std::function<void(SceneBuilder&, const Rect&)> draw_;
     mutable std::shared_ptr<const DisplayList> kept_;  // null before it is first painted
-    mutable const Palette* palette_ = nullptr;         // for which this node has painted it; null for none yet
+    mutable const Palette* palette_ = nullptr;  // for which this node has painted it; null for none yet
 };
 
 }  // namespace

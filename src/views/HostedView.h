@@ -107,7 +107,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     bool isLayoutDue_ = true;
     std::optional<Animation> layoutAnimation_;
 
-    Scene scene_;  // the last picture's
+    Scene scene_;                // the last picture's
     std::uint64_t edition_ = 1;  // counts whatever happens to the tree, so that pictures in between can share
     Attention attention_;
     std::string pressed_;           // the region in which the button went down; empty for none

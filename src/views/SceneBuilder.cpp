@@ -49,9 +49,9 @@ constexpr std::ptrdiff_t kFewestShared = 3;
 // The command with that opacity, where it paints no pixel twice, so that it needs no group for it.
 bool fade(DrawCommand& command, double opacity) {
     const auto faded = [opacity](const Fill& fill) {
-        return fill.isPlain() ? Fill(fill.from.withOpacity(opacity))
-                              : Fill(fill.from.withOpacity(opacity), fill.to.withOpacity(opacity), fill.start,
-                                     fill.end);
+        return fill.isPlain()
+                   ? Fill(fill.from.withOpacity(opacity))
+                   : Fill(fill.from.withOpacity(opacity), fill.to.withOpacity(opacity), fill.start, fill.end);
     };
     if (auto* const filled = std::get_if<FillShape>(&command)) {
         filled->fill = faded(filled->fill);

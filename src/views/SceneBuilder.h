@@ -30,8 +30,8 @@ class SceneBuilder {
 
     enum class Purpose { picture, accessibleTree };
 
-    // `edition` is of the tree: what stood still in the last picture of the same one is taken from there. 0 for a
-    // tree that nothing is kept of.
+    // `edition` is of the tree: what stood still in the last picture of the same one is taken from there. 0
+    // for a tree that nothing is kept of.
     SceneBuilder(const Palette& palette, Size size, MonotonicInstant now, const Attention& attention,
                  Purpose purpose = Purpose::picture, std::uint64_t edition = 0);
     SceneBuilder(const SceneBuilder&) = delete;
@@ -198,7 +198,7 @@ class SceneBuilder {
     Rect visible_;
     bool isInert_ = false;
     const std::uint64_t edition_;
-    bool moves_ = false;  // something in the part of the tree that is being built
+    bool moves_ = false;                          // something in the part of the tree that is being built
     AccessibleNode* accessibleParent_ = nullptr;  // null where nothing is told
 };
 

@@ -118,14 +118,14 @@ TEST_F(PanelTest, TheGraphGlidesByOneStepFromSampleToSampleWithTheSamePicture) {
     };
     ArdoMultiCPUGraph graph{historyOf(1)};
     ShownElement shown({116, 80}, [&] { return graph.body(); });
-    const auto drawn = [&] { return shown.all<DrawPicture>().at(0); };
+    const auto drawn = [&] { return shown.all<DrawPicture>().back(); };  // in front of the grid
     shown.appear();
     for (const DisplayItem& item : drawn().picture->items) {
         const auto* band = std::get_if<FillShape>(&item.command);
         const Shape& shape = band != nullptr ? band->shape : std::get<StrokeShape>(item.command).shape;
         EXPECT_TRUE(std::get<PlacedPath>(shape).path->segments.empty()) << item.key << " of one point";
     }
-    EXPECT_EQ(shown.all<StrokeShape>().size(), 1U) << "the grid";
+    EXPECT_EQ(shown.all<DrawPicture>().size(), 2U) << "the grid";
 
     const auto before = drawn().picture;
     shown.change([&] { graph.history = historyOf(60); });

@@ -136,8 +136,12 @@ TEST(ShownVolumeName, IsOneHarmlessLine) {
                           {"a\x1B[31m\x7F\xC2\x9B", "a\uFFFD[31m\uFFFD\uFFFD"},
                           {"\u202Egpj.exe\u2069\u200F\u061C", "gpj.exe"},
                           {"a\xFF\xC3", "a\uFFFD\uFFFD"},
+                          {"a\u200B\u2060\uFEFF\u00ADb", "ab"},
+                          {"a\u0301\u0302\u0303\u0304\u0305\u0306b", "a\u0301\u0302\u0303\u0304b"},
                           {"עברית ü 💾", "עברית ü 💾"}})
         EXPECT_EQ(shownVolumeName(c.name), c.shown) << c.name;
+    EXPECT_EQ(shownVolumeName(ExternalVolume{.id = {}, .url = "/media/ada/ST\nICK", .name = " \u202E\u200B"}),
+              "ST ICK");
 }
 
 TEST(StoragePanel, ShowsTheBootVolumeOrAllOrNone) {
@@ -388,6 +392,19 @@ TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
     EXPECT_TRUE(shows("Eject All"));
     EXPECT_NE(panel.node("", Role::scrollArea).key, "") << "they scroll";
     EXPECT_EQ(panel.size().height, 2'000) << "no higher than the screen";
+    EXPECT_EQ(machine.workspace.listeners(), 2U);
+    panel.perform(panel.node("Disk", Role::button), "press");
+    sampler->setUIVisible(false);
+    EXPECT_EQ(machine.workspace.listeners(), 0U) << "a list that is on its way out listens no longer";
+    sampler->setUIVisible(true);
+
+    // As many disks as do not fit, and none that the machine was started from.
+    machine.fileManager.volumes.always(Volumes(many.begin(), many.begin() + 60));
+    machine.advance(2min);
+    panel.settle();
+    EXPECT_TRUE(shows("59: "));
+    EXPECT_LE(panel.node("Quit", Role::button).frame.maxY(), 2'000);
+    machine.fileManager.volumes.always(Volumes{volume("/", true, {}, true)});
     press("Impact");
     EXPECT_TRUE(shows("Battery Level: 81%"));
     EXPECT_TRUE(shows("Battery Health: 100.0%"));

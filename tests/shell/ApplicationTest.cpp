@@ -192,14 +192,15 @@ TEST_F(ApplicationTest, QuitIsAButtonThatLightsUpUnderThePointer) {
     ASSERT_EQ(quit.name, "Quit");
     EXPECT_EQ(quit.role, AccessibleRole::button);
     EXPECT_EQ(quit.frame.size, (Size{496, 24}));
-    const std::size_t plain = window("main").picture().items.size();
+    const std::size_t plain = flatItems(window("main").picture().items).size();
     window("main").content().pointer({PointerEvent::Kind::move, {quit.frame.midX(), quit.frame.midY()}});
-    EXPECT_EQ(window("main").picture().items.size(), plain + 1) << "the fill";
+    EXPECT_EQ(flatItems(window("main").picture().items).size(), plain + 1) << "the fill";
     pressEscape();
     open();
-    const std::size_t reopened = window("main").picture().items.size();
+    const std::size_t reopened = flatItems(window("main").picture().items).size();
     window("main").content().pointer({PointerEvent::Kind::leave, {}});
-    EXPECT_EQ(window("main").picture().items.size(), reopened) << "a reopened dashboard is not hovered";
+    EXPECT_EQ(flatItems(window("main").picture().items).size(), reopened)
+        << "a reopened dashboard is not hovered";
     EXPECT_FALSE(machine_.application.terminated);
     clickOn("main", "Quit");
     EXPECT_TRUE(machine_.application.terminated);

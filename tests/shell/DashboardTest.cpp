@@ -56,9 +56,9 @@ class DashboardTest : public ShellTest {
 
     static std::vector<std::string> textsOf(const std::vector<DisplayItem>& items) {
         std::vector<std::string> texts;
-        for (const DisplayItem& item : items) {
-            if (const auto* text = std::get_if<DrawText>(&item.command)) texts.push_back(text->text);
-            const auto* group = std::get_if<DrawGroup>(&item.command);
+        for (const DisplayItem* item : flatItems(items)) {
+            if (const auto* text = std::get_if<DrawText>(&item->command)) texts.push_back(text->text);
+            const auto* group = std::get_if<DrawGroup>(&item->command);
             if (group == nullptr) continue;
             const auto inside = textsOf(group->items);
             texts.insert(texts.end(), inside.begin(), inside.end());

@@ -50,10 +50,11 @@ TEST_F(PassthroughHostingViewTest, ShowsTwoColumnsThatFitTheItemWhateverTheDigit
     model_.cpuPercent.set(100);
     model_.ramUsedGB.set(9.99);
     const DisplayList picture = paint();
-    ASSERT_EQ(picture.items.size(), 4U);
+    const auto items = flatItems(picture.items);
+    ASSERT_EQ(items.size(), 4U);
     const char* const wants[] = {"100%", "CPU", "10.0G", "RAM"};
     for (std::size_t i = 0; i < 4; ++i) {
-        const auto& text = std::get<DrawText>(picture.items[i].command);
+        const auto& text = std::get<DrawText>(items[i]->command);
         EXPECT_EQ(text.text, wants[i]);
         EXPECT_GE(text.frame.minX(), 0);
         EXPECT_LE(text.frame.minX() + text.frame.size.width * text.scaleX, 54 + 1e-9) << "nothing is cropped";

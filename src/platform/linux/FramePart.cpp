@@ -212,7 +212,8 @@ void FramePart::operator()(const DrawPicture& picture) {
     }
     if (picture.opacity < 1) {
         const Rect all{picture.at, picture.picture->size};
-        (*this)(DrawGroup{picture.opacity, std::nullopt, {{"", all, DrawPicture{picture.picture, picture.at}}}});
+        (*this)(
+            DrawGroup{picture.opacity, std::nullopt, {{"", all, DrawPicture{picture.picture, picture.at}}}});
         return;
     }
     const Placement moved{scale, placement_.x + pixelsAt(at.x, 1), placement_.y + pixelsAt(at.y, 1)};

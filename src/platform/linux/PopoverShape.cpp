@@ -61,7 +61,8 @@ bool PopoverShape::isAmidPanel(const PixelRect& part) const {
 
 void PopoverShape::finish(cairo_surface_t* image, std::span<const PixelRect> painted) const {
     // Most frames change something in the middle alone.
-    if (std::all_of(painted.begin(), painted.end(), [this](const PixelRect& part) { return isAmidPanel(part); }))
+    if (std::all_of(painted.begin(), painted.end(),
+                    [this](const PixelRect& part) { return isAmidPanel(part); }))
         return;
     const PanelTones& tones = panelTones(isDark);
     const CairoContext context(cairo_create(image));
