@@ -9,7 +9,7 @@ namespace norvane {
 MadeProcessors::Ticks MadeProcessors::ticksOf(std::size_t processor) const {
     const double seconds = std::chrono::duration<double>(clock_.now().time_since_epoch()).count();
     // The sum of a load that swings about a half, with a period of its own for each processor.
-    const double turn = 2 * std::numbers::pi / (5 + static_cast<double>(processor % 13));
+    const double turn = 2 * std::numbers::pi / (20 + 3 * static_cast<double>(processor % 13));
     const double busy = 0.5 * seconds - 0.45 / turn * std::cos(turn * seconds);
     return {static_cast<std::uint32_t>(100 * busy), static_cast<std::uint32_t>(100 * (seconds - busy))};
 }

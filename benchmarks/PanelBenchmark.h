@@ -28,7 +28,7 @@ class PanelBenchmark {
     void measureManyProcessors(const std::string& program);
 
  private:
-    // Clicks the strip; the time to half opacity without the entrance's own. None after a failure was told.
+    // Clicks the strip; the milliseconds until it is half there. None after a failure was told.
     std::optional<double> open(ChildProcess& child, const std::string& what);
     bool close();
     std::optional<DisplayWatcher::Shown> strip(ChildProcess& child);

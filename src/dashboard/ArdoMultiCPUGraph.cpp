@@ -1,5 +1,6 @@
 #include "dashboard/ArdoMultiCPUGraph.h"
 
+#include <cmath>
 #include <utility>
 
 #include "dashboard/ArdoGridBackground.h"
@@ -53,20 +54,23 @@ class SlidingGraphNode final : public Node {
         }
         const double step = CachedPaths::step(frame.size.width);
         const double offset = scene.value(graphOffset_) * step;
+        const double top = frame.minY() + frame.size.height - cached_->size.height + kOverhang;
         scene.group(1, RoundedRect{frame}, [&] {
-            scene.picture(cached_, {frame.minX() - step + offset, frame.minY() - kOverhang});
+            scene.picture(cached_, {frame.minX() - step + offset, top});
         });
     }
 
  private:
-    // One step wider than the graph, to the left, where the oldest point is.
+    // One step wider than the graph, to the left, where the oldest point is; no higher than its highest
+    // point, so that little moves while the machine has little to do.
     std::shared_ptr<const DisplayList> picture(const Palette& palette) const {
         const CachedPaths paths = CachedPaths::of(*history_, geoSize_);
         const double step = CachedPaths::step(geoSize_.width);
         auto list = std::make_shared<DisplayList>();
-        list->size = {geoSize_.width + step, geoSize_.height + 2 * kOverhang};
-        const Point origin{step, kOverhang};
-        const Point bottom{step, kOverhang + geoSize_.height};
+        const double empty = std::floor(geoSize_.height * (1 - CachedPaths::highest(*history_)));
+        list->size = {geoSize_.width + step, geoSize_.height - empty + 2 * kOverhang};
+        const Point origin{step, kOverhang - empty};
+        const Point bottom{step, origin.y + geoSize_.height};
         const auto tone = [&](Ink ink, double opacity) {
             return palette.color(Paint(ink).withOpacity(opacity));
         };

@@ -14,10 +14,14 @@ struct Levels {
     std::vector<double> top;
 };
 
+double topOf(const CPUHistoryPoint& point) {
+    return point.total > 0 ? std::min(point.total / 100, 1.0) : 0;
+}
+
 Levels levelsOf(std::span<const CPUHistoryPoint> history) {
     Levels levels;
     for (const CPUHistoryPoint& point : history) {
-        const double top = point.total > 0 ? std::min(point.total / 100, 1.0) : 0;
+        const double top = topOf(point);
         const double sum = point.performance + point.efficiency;
         const double share = sum > 0 ? point.efficiency / sum : 0;
         levels.base.push_back(0);
@@ -82,6 +86,13 @@ CachedPaths CachedPaths::of(std::span<const CPUHistoryPoint> history, Size size)
             .effStroke = curves.stroke(levels.mid),
             .perfBand = curves.band(levels.mid, levels.top),
             .perfStroke = curves.stroke(levels.top)};
+}
+
+double CachedPaths::highest(std::span<const CPUHistoryPoint> history) {
+    double highest = 0;
+    for (const CPUHistoryPoint& point : history)
+        highest = std::max(highest, topOf(point));
+    return highest;
 }
 
 }  // namespace norvane

@@ -18,6 +18,8 @@ struct CachedPaths {
 
     // The oldest point first. The newest stands at the right edge, each one before it a step to the left.
     static CachedPaths of(std::span<const CPUHistoryPoint> history, Size size);
+    // The highest point of all, from 0 at the bottom of the graph to 1.
+    static double highest(std::span<const CPUHistoryPoint> history);
     // The distance between two points in a graph that wide.
     static double step(double width) { return width / 58; }
 };

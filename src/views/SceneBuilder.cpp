@@ -302,6 +302,7 @@ AccessibleNode SceneBuilder::tell(const Accessible& told, const Rect& frame) {
 }
 
 Scene SceneBuilder::finish() && {
+    if (livelyCount_ > kMostLively) scene_.frameRate = std::min(scene_.frameRate, kSteadyRate);
     if (attention_.showsFocus && !attention_.focused.empty()) {
         const auto focused =
             std::find_if(scene_.regions.begin(), scene_.regions.end(), [&](const SensitiveRegion& region) {

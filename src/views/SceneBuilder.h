@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -27,6 +28,9 @@ class SceneBuilder {
     // Frames a second, while something moves: what never ends by itself, or goes on evenly, needs fewer.
     static constexpr double kSteadyRate = 30;
     static constexpr double kLivelyRate = 60;
+    // Where more than so many values move at once (a ring for each of many processors), nobody follows one of
+    // them, and fewer pictures do.
+    static constexpr int kMostLively = 96;
 
     enum class Purpose { picture, accessibleTree };
 
@@ -48,8 +52,15 @@ class SceneBuilder {
         if (const auto animation = value.animationAt(now_)) {
             const bool isSteady = animation->repeats || animation->curve == Animation::Curve::linear;
             wantFrames(isSteady ? kSteadyRate : kLivelyRate);
+            if (!isSteady) ++livelyCount_;
         }
         return value.valueAt(now_);
+    }
+    // The same in steps too small to be seen, while it moves: what has not come a step further since the last
+    // picture is not painted again.
+    double stepped(const Animated<double>& value, double step) {
+        const double now = this->value(value);
+        return value.isMovingAt(now_) && step > 0 ? std::round(now / step) * step : now;
     }
     void wantFrames(double perSecond) {
         moves_ = true;
@@ -198,6 +209,7 @@ class SceneBuilder {
     Rect visible_;
     bool isInert_ = false;
     const std::uint64_t edition_;
+    int livelyCount_ = 0;
     bool moves_ = false;                          // something in the part of the tree that is being built
     AccessibleNode* accessibleParent_ = nullptr;  // null where nothing is told
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <numbers>
 #include <utility>
 
 #include "views/SceneBuilder.h"
@@ -30,6 +31,10 @@ struct MovingFill {
         return {scene.value(from), scene.value(to), rect.origin, end};
     }
 };
+
+// What nobody sees of a movement: of full opacity, and in points along a circle's line.
+constexpr double kOpacityStep = 1.0 / 128;
+constexpr double kArcStep = 0.25;
 
 // The tone and how opaque it is move each by themselves: a glow breathes on where its tone becomes another
 // one, and has the new one all the way.
@@ -59,7 +64,7 @@ struct MovingShadow {
         update.carry(offset, before.offset);
     }
     Color colorIn(SceneBuilder& scene) const {
-        return scene.value(tone).withOpacity(std::clamp(scene.value(opacity), 0.0, 1.0));
+        return scene.value(tone).withOpacity(std::clamp(scene.stepped(opacity, kOpacityStep), 0.0, 1.0));
     }
 };
 
@@ -144,11 +149,14 @@ class ShapeNode final : public Node {
                 return RoundedRect{{{frame.midX() - side / 2, frame.midY() - side / 2}, {side, side}},
                                    side / 2};
             }
-            case Outline::Kind::arc:
+            case Outline::Kind::arc: {
+                const double radius = std::min(frame.size.width, frame.size.height) / 2;
+                const double step = kArcStep / (2 * std::numbers::pi * radius);
                 return Arc{{frame.midX(), frame.midY()},
-                           std::min(frame.size.width, frame.size.height) / 2,
-                           scene.value(from_),
-                           scene.value(to_)};
+                           radius,
+                           scene.stepped(from_, step),
+                           scene.stepped(to_, step)};
+            }
             case Outline::Kind::path:
                 return PlacedPath{outline_.path, frame.origin};
         }

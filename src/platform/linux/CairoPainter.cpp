@@ -14,9 +14,7 @@ void CairoPainter::paint(cairo_surface_t* surface, const Placement& placement, c
     cairo_surface_flush(surface);
     // One by one: frames have few of them, and a clip that is one rectangle costs nothing.
     for (const PixelRect& rect : damage) {
-        FramePart part(surface, placement, rect, {layouts_, caches_});
-        part.clear();
-        part.paint(list.items);
+        FramePart(surface, placement, rect, {layouts_, caches_}).paintAnew(list.items);
     }
     cairo_surface_flush(surface);
 }

@@ -5,6 +5,7 @@
 #include "platform/linux/GlowMasks.h"
 #include "platform/linux/NamedPictures.h"
 #include "platform/linux/PictureCache.h"
+#include "platform/linux/RingMasks.h"
 
 namespace norvane {
 
@@ -14,13 +15,15 @@ struct DrawingCaches {
     GlowMasks glows;
     NamedPictures named;
     PictureCache pictures;
+    RingMasks rings;
 
-    std::size_t count() const { return glows.count() + named.count() + pictures.count(); }
-    std::size_t bytes() const { return glows.bytes() + named.bytes() + pictures.bytes(); }
+    std::size_t count() const { return glows.count() + named.count() + pictures.count() + rings.count(); }
+    std::size_t bytes() const { return glows.bytes() + named.bytes() + pictures.bytes() + rings.bytes(); }
     void clear() {
         glows.clear();
         named.clear();
         pictures.clear();
+        rings.clear();
     }
 };
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <variant>
 
+#include "platform/linux/ArcCoverage.h"
 #include "platform/linux/CairoShapes.h"
 #include "platform/linux/GlowForm.h"
 #include "platform/linux/GradientBitmap.h"
@@ -54,14 +56,21 @@ FramePart::FramePart(cairo_surface_t* surface, const Placement& placement, const
       placement_(placement),
       pixels_(pixels),
       tools_(tools),
+      reach_(pixels.moved(-placement.x, -placement.y).inPoints(placement.scale).outset(1 / placement.scale)),
       depth_(depth),
       context_(cairo_create(surface)) {}
 
-void FramePart::clear() {
-    cairo_set_operator(context_.get(), CAIRO_OPERATOR_CLEAR);
-    cairo_rectangle(context_.get(), pixels_.x, pixels_.y, pixels_.width, pixels_.height);
-    cairo_fill(context_.get());
-    cairo_set_operator(context_.get(), CAIRO_OPERATOR_OVER);
+void FramePart::paintAnew(const std::vector<DisplayItem>& items) {
+    cairo_t* const context = context_.get();
+    cairo_rectangle(context, pixels_.x, pixels_.y, pixels_.width, pixels_.height);
+    const auto* const ground = items.empty() ? nullptr : std::get_if<FillShape>(&items.front().command);
+    const bool isGround = ground != nullptr && ground->snapping == Snapping::none && ground->fill.isPlain() &&
+                          coversAll(ground->shape, pixels_) && setColor(context, ground->fill.from);
+    cairo_set_operator(context, isGround ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_CLEAR);
+    cairo_fill(context);
+    cairo_set_operator(context, CAIRO_OPERATOR_OVER);
+    for (std::size_t i = isGround ? 1 : 0; i < items.size(); ++i)
+        paint(items[i]);
 }
 
 void FramePart::paint(const std::vector<DisplayItem>& items) {
@@ -70,11 +79,12 @@ void FramePart::paint(const std::vector<DisplayItem>& items) {
 }
 
 void FramePart::paint(const DisplayItem& item) {
-    const PixelRect all = pixels_;
+    if (!item.bounds.intersects(reach_)) return;
     if (const auto* shared = std::get_if<DrawShared>(&item.command)) {
-        if (shared->items && !covering(item.bounds).intersection(all).isEmpty()) paint(*shared->items);
+        if (shared->items) paint(*shared->items);
         return;
     }
+    const PixelRect all = pixels_;
     pixels_ = covering(item.bounds).intersection(all);
     if (!pixels_.isEmpty()) {
         cairo_t* const context = context_.get();
@@ -109,10 +119,36 @@ void FramePart::operator()(const StrokeShape& given) {
     const bool snaps = given.snapping == Snapping::toPixels;
     const StrokeShape snapped = snaps ? snappedToPixels(given, placement_.scale) : StrokeShape{};
     const StrokeShape& stroke = snaps ? snapped : given;
+    if (const auto* arc = std::get_if<Arc>(&stroke.shape); arc != nullptr && paintArc(*arc, stroke.style))
+        return;
     if (setStroke(context_.get(), stroke.style, placement_.scale) &&
         addShape(context_.get(), stroke.shape, placement_.scale)) {
         cairo_stroke(context_.get());
     }
+}
+
+bool FramePart::paintArc(const Arc& arc, const StrokeStyle& style) {
+    const double scale = placement_.scale;
+    StrokeStyle line = style;
+    line.width *= scale;
+    line.dashOn *= scale;
+    line.dashOff *= scale;
+    const Point center{arc.center.x * scale + placement_.x, arc.center.y * scale + placement_.y};
+    if (isClosed(arc) && !isDashed(style, scale) && isFinite(center)) {
+        const Point whole{std::floor(center.x), std::floor(center.y)};
+        const auto ring = tools_.caches.rings.ring({center.x - whole.x, center.y - whole.y},
+                                                   arc.radius * scale, line.width);
+        if (!ring || std::abs(whole.x) > kFarthestPixel || std::abs(whole.y) > kFarthestPixel) return false;
+        usePixels();
+        cairo_mask_surface(context_.get(), ring->mask.get(), whole.x + ring->area.x, whole.y + ring->area.y);
+        return true;
+    }
+    const auto coverage = ArcCoverage::of({center, arc.radius * scale, arc.from, arc.to}, line, pixels_);
+    if (!coverage) return false;
+    if (!coverage->mask) return true;
+    usePixels();
+    cairo_mask_surface(context_.get(), coverage->mask.get(), coverage->area.x, coverage->area.y);
+    return true;
 }
 
 bool FramePart::useFill(const Fill& fill) const {
@@ -152,6 +188,12 @@ void FramePart::operator()(const DrawShadow& shadow) {
         around(box, std::max(first->margin, second ? second->margin : 0)).intersection(pixels_);
     if (area.isEmpty()) return;
 
+    if (!second && !shadow.isOutsideOnly && first->across.alike == 0 && first->down.alike == 0) {
+        usePixels();
+        cairo_mask_surface(context_.get(), first->coverage.get(), box.x - first->margin,
+                           box.y - first->margin);
+        return;
+    }
     const CairoSurface mixed(cairo_image_surface_create(CAIRO_FORMAT_A8, area.width, area.height));
     const int share = static_cast<int>(std::lround(256 * blur->toNext));
     first->addTo(mixed.get(), area, box, 256 - share);

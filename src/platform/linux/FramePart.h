@@ -27,8 +27,9 @@ class FramePart {
     FramePart(cairo_surface_t* surface, const Placement& placement, const PixelRect& pixels,
               const Tools& tools, int depth = 0);
 
-    void clear();
     void paint(const std::vector<DisplayItem>& items);
+    // The same over nothing: whatever there was before goes.
+    void paintAnew(const std::vector<DisplayItem>& items);
 
     // For the visit of an item's command.
     void operator()(const FillShape& fill);
@@ -58,6 +59,8 @@ class FramePart {
     // The items, painted for themselves: their place on the result is as on this one.
     CairoSurface painted(const std::vector<DisplayItem>& items, const PixelRect& area,
                          const Placement& placement) const;
+    // With the source that is set. False where it must be drawn as a path.
+    bool paintArc(const Arc& arc, const StrokeStyle& style);
     // False where there is nothing to be seen.
     bool useFill(const Fill& fill) const;
     void cutOut(cairo_surface_t* coverage, const PixelRect& area, const DrawShadow& shadow) const;
@@ -67,6 +70,8 @@ class FramePart {
     Placement placement_;
     PixelRect pixels_;  // of the surface; those of the item while one is painted
     Tools tools_;
+    // Around them, in points: what is not in there has none of them.
+    Rect reach_;
     int depth_;
     CairoContext context_;
 };
