@@ -56,11 +56,15 @@ class SceneBuilder {
         }
         return value.valueAt(now_);
     }
-    // The same in steps too small to be seen, while it moves: what has not come a step further since the last
-    // picture is not painted again.
+    // The same in steps too small to be seen, on its way to an end: what has not come a step further since
+    // the last picture is not painted again. It is at its end when it is there, and not beyond it by a step.
     double stepped(const Animated<double>& value, double step) {
         const double now = this->value(value);
-        return value.isMovingAt(now_) && step > 0 ? std::round(now / step) * step : now;
+        const auto animation = value.animationAt(now_);
+        if (!animation || animation->repeats || !(step > 0)) return now;
+        const double target = value.target();
+        const double whole = std::round(now / step) * step;
+        return (now - target) * (whole - target) < 0 ? target : whole;
     }
     void wantFrames(double perSecond) {
         moves_ = true;

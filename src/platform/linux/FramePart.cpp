@@ -65,6 +65,7 @@ void FramePart::paintAnew(const std::vector<DisplayItem>& items) {
     cairo_rectangle(context, pixels_.x, pixels_.y, pixels_.width, pixels_.height);
     const auto* const ground = items.empty() ? nullptr : std::get_if<FillShape>(&items.front().command);
     const bool isGround = ground != nullptr && ground->snapping == Snapping::none && ground->fill.isPlain() &&
+                          covering(items.front().bounds).intersection(pixels_) == pixels_ &&
                           coversAll(ground->shape, pixels_) && setColor(context, ground->fill.from);
     cairo_set_operator(context, isGround ? CAIRO_OPERATOR_SOURCE : CAIRO_OPERATOR_CLEAR);
     cairo_fill(context);
