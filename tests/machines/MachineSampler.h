@@ -26,7 +26,7 @@ class MachineSampler {
     const SystemSnapshot& snapshot() { return *(snapshot_ = sampler_->snapshot().get()); }
     ScriptedMachine& rest() { return rest_; }
 
- private:
+    // What the sampler is given, for whatever else is to be made of this machine.
     Platform platform() {
         Platform scripted = rest_.platform();
         return {.wallClock = scripted.wallClock,
@@ -51,6 +51,10 @@ class MachineSampler {
                 .application = scripted.application};
     }
 
+    PreferencesStore& preferences() { return preferences_; }
+    const std::shared_ptr<PerformanceSampler>& sampler() const { return sampler_; }
+
+ private:
     LinuxKernel& kernel_;
     ScriptedMachine rest_;
     PreferencesStore preferences_{rest_.userDefaults};
