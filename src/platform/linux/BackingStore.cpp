@@ -13,6 +13,9 @@ namespace {
 constexpr std::size_t kBytesPerPixel = 4;
 // Sharing costs an exchange with the server: not for a few rows of a panel.
 constexpr std::size_t kLeastShared = 64 * 1024;
+// Of memory that is shared, so much is sent all the same: a gauge that breathes would else wake this process
+// once more with each picture, to hear that the server has read it.
+constexpr std::size_t kMostSent = 32 * 1024;
 // A request that every server takes without the extension for bigger ones.
 constexpr std::size_t kMostBytesInARequest = 60'000 * 4;
 
@@ -85,7 +88,9 @@ void BackingStore::present(std::span<const PixelRect> parts) {
     for (const PixelRect& asked : parts) {
         const PixelRect part = asked.intersection(bounds());
         if (part.isEmpty()) continue;
-        if (shared_ == nullptr) {
+        const std::size_t pixels =
+            static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height);
+        if (shared_ == nullptr || pixels * kBytesPerPixel <= kMostSent) {
             send(part);
             continue;
         }
