@@ -17,6 +17,8 @@ class Application {
     virtual void activateIgnoringOtherApps() = 0;
     // `applicationDidBecomeActive:`: told in a later turn of the main queue, after each activation.
     [[nodiscard]] virtual Cancellation onDidBecomeActive(std::function<void()> observer) = 0;
+    // Told when the user has started the application once more: there is still only this one.
+    [[nodiscard]] virtual Cancellation onReopen(std::function<void()> observer) = 0;
     // `terminate:`: the process ends soon, with success, after the running task has returned.
     virtual void terminate() = 0;
 };

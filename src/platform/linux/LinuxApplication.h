@@ -34,12 +34,18 @@ class LinuxApplication final : public Application {
     Cancellation onDidBecomeActive(std::function<void()> observer) override {
         return didBecomeActive_.add(std::move(observer));
     }
+    Cancellation onReopen(std::function<void()> observer) override {
+        return reopened_.add(std::move(observer));
+    }
+    // Another start of the application has come upon this one.
+    void reopen() const { reopened_.tell(); }
 
  private:
     static gboolean signalCame(gint descriptor, GIOCondition condition, gpointer application);
 
     LinuxMainQueue& mainQueue_;
     Observers<> didBecomeActive_;
+    Observers<> reopened_;
     GMainLoop* loop_;
     bool isTerminated_ = false;
     FileDescriptor signals_;  // a signalfd

@@ -14,6 +14,8 @@ void LinuxStatusItem::setHost(const MakeHost& makeHost) {
     });
     host_->setLength(length_);
     host_->setContent(content_);
+    host_->setToolTip(toolTip_);
+    host_->setContextMenu(menu_);
 }
 
 void LinuxStatusItem::setLength(double points) {
@@ -24,6 +26,16 @@ void LinuxStatusItem::setLength(double points) {
 void LinuxStatusItem::setContent(SurfaceContent* content) {
     content_ = content;
     host_->setContent(content);
+}
+
+void LinuxStatusItem::setToolTip(const std::string& text) {
+    toolTip_ = text;
+    host_->setToolTip(text);
+}
+
+void LinuxStatusItem::setContextMenu(std::vector<StatusMenuItem> items) {
+    menu_ = std::move(items);
+    host_->setContextMenu(menu_);
 }
 
 }  // namespace norvane

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/linux/StatusItemHost.h"
+#include "platform/Observers.h"
 #include "platform/StatusItem.h"
 
 namespace norvane {
@@ -21,12 +22,21 @@ class LinuxStatusItem final : public StatusItem {
     void setLength(double points) override;
     void setContent(SurfaceContent* content) override;
     void setAction(std::function<void()> action) override { action_ = std::move(action); }
+    void setToolTip(const std::string& text) override;
+    void setContextMenu(std::vector<StatusMenuItem> items) override;
     std::optional<Rect> buttonFrame() const override { return host_->buttonFrame(); }
+    Cancellation onButtonDidAppear(std::function<void()> observer) override {
+        return appeared_.add(std::move(observer));
+    }
+    bool knowsItsPresses() const override { return host_->knowsItsPresses(); }
 
  private:
     double length_;
     SurfaceContent* content_ = nullptr;
     std::function<void()> action_;
+    std::string toolTip_;
+    std::vector<StatusMenuItem> menu_;
+    Observers<> appeared_;
     std::unique_ptr<StatusItemHost> host_;
 };
 

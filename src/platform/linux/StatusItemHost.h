@@ -1,8 +1,11 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "drawing/Rect.h"
+#include "platform/StatusMenuItem.h"
 #include "platform/SurfaceContent.h"
 
 namespace norvane {
@@ -17,8 +20,13 @@ class StatusItemHost {
     virtual void setLength(double points) = 0;
     // Null for nothing. The content outlives its use here.
     virtual void setContent(SurfaceContent* content) = 0;
+    // Only panels that show such themselves have a use for them.
+    virtual void setToolTip(const std::string&) {}
+    virtual void setContextMenu(const std::vector<StatusMenuItem>&) {}
     // In points of the screen; none while it is nowhere.
     virtual std::optional<Rect> buttonFrame() const = 0;
+    // False where the panel takes the press and tells of it afterwards.
+    virtual bool knowsItsPresses() const { return true; }
 };
 
 }  // namespace norvane

@@ -22,7 +22,13 @@ class ScriptedApplication final : public Application {
     Cancellation onDidBecomeActive(std::function<void()> observer) override {
         return didBecomeActive_.add(std::move(observer));
     }
+    Cancellation onReopen(std::function<void()> observer) override {
+        return reopened_.add(std::move(observer));
+    }
     void terminate() override { terminated = true; }
+
+    // The user starts the application a second time.
+    void reopen() const { reopened_.tell(); }
 
     ActivationPolicy activationPolicy = ActivationPolicy::regular;
     int activations = 0;
@@ -31,6 +37,7 @@ class ScriptedApplication final : public Application {
  private:
     MainQueue& mainQueue_;
     Observers<> didBecomeActive_;
+    Observers<> reopened_;
 };
 
 }  // namespace norvane

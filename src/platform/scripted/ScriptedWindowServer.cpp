@@ -33,13 +33,19 @@ DisplayList ScriptedWindowServer::statusItemPicture() const {
     return content_->displayList(button->size, time_.monotonic());
 }
 
+void ScriptedWindowServer::startPanel() {
+    hasPanel = true;
+    panelStarted_.tell();
+}
+
 void ScriptedWindowServer::clickStatusItem() {
     if (buttonFrame() && action_) action_();
 }
 
 void ScriptedWindowServer::click(Point at) {
     const auto button = buttonFrame();
-    if (button && button->contains(at)) {
+    const bool isOnButton = button && button->contains(at);
+    if (isOnButton && panelKnowsPresses) {
         clickStatusItem();
         return;
     }
@@ -53,6 +59,7 @@ void ScriptedWindowServer::click(Point at) {
             const bool isStillShown = std::find(shown_.begin(), shown_.end(), window) != shown_.end();
             if (isStillShown) window->observer().windowPressedOutside();
         }
+        if (isOnButton) clickStatusItem();
         return;
     }
     const Point inside{at.x - hit->frame().minX(), at.y - hit->frame().minY()};

@@ -3,9 +3,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/MainQueue.h"
+#include "platform/Observers.h"
 #include "platform/scripted/ScriptedTime.h"
 #include "platform/WindowServer.h"
 
@@ -34,6 +36,10 @@ class ScriptedWindowServer final : public WindowServer {
     double statusItemRightMargin = 0;
     // Whether a panel is running: without one the item has no button.
     bool hasPanel = true;
+    // Brings the panel up.
+    void startPanel();
+    // Whether it tells of a press on the item at once, and not after popovers took it for one outside.
+    bool panelKnowsPresses = true;
 
     // Whether windows paint the frames that their contents wish for. Without, they paint what has changed.
     bool runsFrames = false;
@@ -44,6 +50,8 @@ class ScriptedWindowServer final : public WindowServer {
     SurfaceContent* statusItemContent() const { return content_; }
     DisplayList statusItemPicture() const;
     void clickStatusItem();
+    const std::string& toolTip() const { return toolTip_; }
+    const std::vector<StatusMenuItem>& contextMenu() const { return menu_; }
 
     // The windows that are on the screen, the front one last.
     const std::vector<ScriptedPopoverWindow*>& windows() const { return shown_; }
@@ -64,6 +72,9 @@ class ScriptedWindowServer final : public WindowServer {
     bool hasItem_ = false;
     SurfaceContent* content_ = nullptr;
     std::function<void()> action_;
+    std::string toolTip_;
+    std::vector<StatusMenuItem> menu_;
+    Observers<> panelStarted_;
     std::vector<ScriptedPopoverWindow*> shown_;
     ScriptedPopoverWindow* key_ = nullptr;
 };
