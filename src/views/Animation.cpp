@@ -14,6 +14,10 @@ constexpr double kAtRest = 1e-4;
 // A spring below this damping would swing for minutes.
 constexpr double kLeastDamping = 0.05;
 constexpr double kLongestDuration = 3600;
+// What breathes without end goes its way in so many steps: each is smaller than can be seen, and every other
+// picture is the same as the last one, so that it need not be painted. An even number, so that the middle and
+// both ends are among them.
+constexpr double kBreathingSteps = 32;
 
 // The cubic timing curve through (0,0) and (1,1) with these control points, as CSS Easing Functions Level 1
 // defines it: the height over an abscissa from 0 to 1.
@@ -113,7 +117,9 @@ Animation::Rest Animation::restAfter(std::chrono::nanoseconds since) const {
         return {};
     }
     if (isSpring(*this)) return swing(response, dampingFraction, time);
-    return {1 - eased(curve, time / run), 0};
+    const double done = eased(curve, time / run);
+    if (repeats && reverses) return {1 - std::round(done * kBreathingSteps) / kBreathingSteps, 0};
+    return {1 - done, 0};
 }
 
 bool Animation::isOverAfter(std::chrono::nanoseconds since) const {
