@@ -16,4 +16,8 @@ std::string menuBarRAMText(double ramUsedGB, double ramTotalGB) {
     return decimal(ramUsedGB, 1) + "G";
 }
 
+std::string menuBarToolTip(const MenuBarStats& stats) {
+    return "CPU " + menuBarCPUText(stats.cpu) + ", RAM " + menuBarRAMText(stats.ramUsed, stats.ramTotal);
+}
+
 }  // namespace norvane

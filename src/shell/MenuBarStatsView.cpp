@@ -23,10 +23,25 @@ Element column(const std::string& value, const std::string& label) {
         .accessible({.role = AccessibleRole::text, .name = label, .value = value});
 }
 
+// Which is which, their units tell.
+Element row(const std::string& value, const std::string& label) {
+    const TextStyle style{.font = {.size = 9,
+                                   .weight = FontWeight::bold,
+                                   .design = FontDesign::monospaced,
+                                   .monospacedDigits = true}};
+    return text(value, style, Ink::labelColor)
+        .condensedToFit()
+        .accessible({.role = AccessibleRole::text, .name = label, .value = value});
+}
+
 }  // namespace
 
 Element MenuBarStatsView::body() const {
     const Texts now = texts();
+    if (isSquare_) {
+        return vstack({}, row(now.cpu, "CPU"), row(now.ram, "RAM"))
+            .frame({.maxWidth = Proposal::kMost, .maxHeight = Proposal::kMost});
+    }
     // The item keeps its width whatever the digits: a row that is wider is narrowed, never cropped.
     return hstack({.spacing = 4},          //
                   column(now.cpu, "CPU"),  //

@@ -13,6 +13,11 @@ NorvaneApp::NorvaneApp(const Platform& platform)
 
 void NorvaneApp::launch() {
     delegate_.applicationDidFinishLaunching();
+    StatusBarController* const controller = delegate_.statusBarController();
+    controller->setContextMenu({{"Open", [controller] { controller->showDashboard(); }},
+                                {"Settings", [this] { showSettings(); }},
+                                {"Quit", [this] { platform_.application.terminate(); }}});
+    reopening_ = platform_.application.onReopen([controller] { controller->showDashboard(); });
     // Well after the first paint and the first tick.
     warmUp_ =
         platform_.dispatch.mainQueue().after(std::chrono::milliseconds(500), [this] { cpuHardwareInfo(); });

@@ -41,6 +41,7 @@ class NorvaneApp {
     std::optional<PreferencesView> settingsView_;
     std::optional<Popover> settings_;
     Cancellation warmUp_;
+    Cancellation reopening_;
 };
 
 }  // namespace norvane

@@ -15,6 +15,12 @@ class PassthroughHostingView final : public HostedView {
         rootView_.observe([this] { invalidate(); });
     }
 
+    DisplayList displayList(Size size, MonotonicInstant at) override {
+        const bool wasSquare = rootView_.isSquare();
+        rootView_.setWidth(size.width);
+        if (rootView_.isSquare() != wasSquare) invalidate();
+        return HostedView::displayList(size, at);
+    }
     void pointer(const PointerEvent&) override {}
     bool key(const KeyEvent&) override { return false; }
 

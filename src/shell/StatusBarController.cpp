@@ -5,6 +5,7 @@
 
 #include "preferences/DefaultsKeys.h"
 #include "preferences/StoredValue.h"
+#include "shell/MenuBarStatsText.h"
 #include "shell/MenuIcon.h"
 #include "shell/ScreenClamp.h"
 
@@ -21,6 +22,8 @@ constexpr auto kFade = 150ms;
 // From the closing of a popover whose anchor changes to its return, and from there to the keyboard.
 constexpr auto kReopening = 600ms;
 constexpr auto kKeyAfterReopening = 120ms;
+// A panel that tells of a press afterwards does so within this time.
+constexpr auto kLateClick = 300ms;
 // From the welcome to the dashboard.
 constexpr auto kAfterWelcome = 100ms;
 
@@ -77,6 +80,9 @@ void StatusBarController::startUp() {
     cancellables_.push_back(
         sampler_->menuBarStats().observe([this](const MenuBarStats& stats) { updateStats(stats); }));
     cancellables_.push_back(
+        sampler_->menuBarStats().observe([this](const MenuBarStats& stats) { updateToolTip(stats); }));
+    cancellables_.push_back(statusItem_->onButtonDidAppear([this] { buttonAppeared(); }));
+    cancellables_.push_back(
         preferences_.observe([this] { switchMenuBarMode(preferences_.menuBarIconMode()); }));
 }
 
@@ -96,6 +102,14 @@ void StatusBarController::updateStats(const MenuBarStats& stats) {
     statsModel_.cpuPercent.set(stats.cpu);
     statsModel_.ramUsedGB.set(stats.ramUsed);
     statsModel_.ramTotalGB.set(stats.ramTotal);
+}
+
+// In both modes: it tells the figures where the item shows a picture.
+void StatusBarController::updateToolTip(const MenuBarStats& stats) {
+    std::string text = menuBarToolTip(stats);
+    if (text == toolTip_) return;
+    toolTip_ = std::move(text);
+    statusItem_->setToolTip(toolTip_);
 }
 
 void StatusBarController::applyMenuBarMode(MenuBarIconMode mode, Force force) {
@@ -213,9 +227,8 @@ Popover& StatusBarController::infoPopover() {
 void StatusBarController::statusItemClicked() {
     if (!statusItem_->buttonFrame()) return;
     // A press on the item is one outside of what stands there only for the moment.
-    for (std::optional<Popover>* popover : {&settingsPopover_, &infoPopover_}) {
-        if (*popover) (*popover)->performClose();
-    }
+    closeSettingsAndInfo();
+    if (wasJustClosedByThisClick()) return;
     if (!hasSeenWelcome()) {
         showWelcomeIfNeeded();
         return;
@@ -227,6 +240,39 @@ void StatusBarController::statusItemClicked() {
     }
     platform_.application.activateIgnoringOtherApps();
     present(mainPopover());
+}
+
+// The press that closed dashboard or welcome, as one outside, was the one that is told of only now.
+bool StatusBarController::wasJustClosedByThisClick() const {
+    return !statusItem_->knowsItsPresses() && closed_ &&
+           platform_.monotonicClock.now() - *closed_ < kLateClick;
+}
+
+void StatusBarController::showDashboard() {
+    if (!hasSeenWelcome()) {
+        showWelcomeIfNeeded();
+        return;
+    }
+    if (!statusItem_->buttonFrame()) {
+        awaited_ = Awaited::dashboard;
+        return;
+    }
+    closeSettingsAndInfo();
+    platform_.application.activateIgnoringOtherApps();
+    present(mainPopover());
+}
+
+void StatusBarController::buttonAppeared() {
+    switch (std::exchange(awaited_, Awaited::nothing)) {
+        case Awaited::nothing:
+            return;
+        case Awaited::welcome:
+            showWelcomeIfNeeded();
+            return;
+        case Awaited::dashboard:
+            showDashboard();
+            return;
+    }
 }
 
 void StatusBarController::present(Popover& popover) {
@@ -247,6 +293,12 @@ void StatusBarController::clampPopoverToScreen(const Popover& popover) const {
     if (window == nullptr) return;
     const auto visibleFrame = window->visibleFrame();
     if (visibleFrame) window->setFrame(clampedToScreen(window->frame(), *visibleFrame));
+}
+
+void StatusBarController::closeSettingsAndInfo() {
+    for (std::optional<Popover>* popover : {&settingsPopover_, &infoPopover_}) {
+        if (*popover) (*popover)->performClose();
+    }
 }
 
 void StatusBarController::togglePin() {
@@ -285,6 +337,7 @@ bool StatusBarController::popoverShouldClose(Popover& popover) {
 
 void StatusBarController::popoverDidClose(Popover& popover) {
     if (isMain(popover)) {
+        closed_ = platform_.monotonicClock.now();
         if (!pin_.isPinned) sampler_->setUIVisible(false);
         return;
     }
@@ -303,7 +356,11 @@ bool StatusBarController::hasSeenWelcome() const {
 void StatusBarController::showWelcomeIfNeeded() {
     if (welcomeController_ || hasSeenWelcome()) return;
     const auto button = statusItem_->buttonFrame();
-    if (!button) return;
+    if (!button) {
+        // A panel may start after us, and the first thing to see must not get lost.
+        awaited_ = Awaited::welcome;
+        return;
+    }
     welcomeController_ = std::make_shared<WelcomePopoverController>(
         platform_,
         [weak = weak_from_this()] {
@@ -335,6 +392,7 @@ void StatusBarController::continueFromWelcome() {
 // Its own popover is calling: it goes when that is through.
 void StatusBarController::endWelcome() {
     if (!welcomeController_) return;
+    closed_ = platform_.monotonicClock.now();
     platform_.dispatch.mainQueue().async([ended = std::exchange(welcomeController_, nullptr)] {});
 }
 

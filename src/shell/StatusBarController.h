@@ -39,6 +39,11 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
 
     void statusItemClicked();
     void showWelcomeIfNeeded();
+    // Brings the dashboard up if it is hidden, as a start of the application from elsewhere does; it never
+    // closes it. Who has not been welcomed is welcomed first.
+    void showDashboard();
+    // What a panel with menus of its own offers in the item's.
+    void setContextMenu(std::vector<StatusMenuItem> items) { statusItem_->setContextMenu(std::move(items)); }
     void togglePin();
     void openSettings();
     void openInfo();
@@ -63,6 +68,7 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     // The icon and the label.
     void updateIcon(ComponentState state);
     void updateStats(const MenuBarStats& stats);
+    void updateToolTip(const MenuBarStats& stats);
     void applyMenuBarMode(MenuBarIconMode mode, Force force);
     void showStatsLabel();
     void showIcon();
@@ -77,9 +83,12 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     Popover& infoPopover();
     // Below the button, with the keyboard, and soon on the screen. Nothing without a button.
     void present(Popover& popover);
+    void closeSettingsAndInfo();
     void openBesideMain(Popover& popover);
     void clampSoon(Popover& popover);
     void clampPopoverToScreen(const Popover& popover) const;
+    void buttonAppeared();
+    bool wasJustClosedByThisClick() const;
     bool hasSeenWelcome() const;
     void continueFromWelcome();
     void endWelcome();
@@ -107,9 +116,14 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     std::unique_ptr<StatusItem> statusItem_;
     std::optional<MenuBarIconMode> currentMenuBarMode_;
     std::optional<std::string> lastIconName_;  // last put on the button
+    std::string toolTip_;
     Cancellation fade_;
 
     PinState pin_;
+    std::optional<MonotonicInstant> closed_;  // dashboard or welcome, the last time
+    // Asked for while there was no button to hang from.
+    enum class Awaited { nothing, welcome, dashboard };
+    Awaited awaited_ = Awaited::nothing;
     // Built on first use and kept, each view before the popover that shows it.
     std::optional<MenuRootView> menuRootView_;
     std::optional<Popover> mainPopover_;
