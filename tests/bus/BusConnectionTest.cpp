@@ -6,10 +6,9 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-#include <map>
-#include <optional>
 
 #include "BusPeer.h"
+#include "HandDrivenQueue.h"
 #include "linux/RunLoop.h"
 #include "platform/linux/LinuxMainQueue.h"
 #include "PrivateBus.h"
@@ -69,40 +68,6 @@ class DeafSocket {
  private:
     const std::string address_;
     int socket_;
-};
-
-// A queue whose time passes when it is told to.
-class HandDrivenQueue final : public MainQueue {
- public:
-    void async(Task task) override { add(0ns, std::move(task)); }
-    Cancellation after(std::chrono::nanoseconds delay, Task task) override {
-        const auto key = add(delay, std::move(task));
-        return Cancellation([this, key] { tasks_.erase(key); });
-    }
-    void advance(std::chrono::nanoseconds by) {
-        now_ += by;
-        while (!tasks_.empty() && tasks_.begin()->first.first <= now_) {
-            auto entry = tasks_.extract(tasks_.begin());
-            entry.mapped()();
-        }
-    }
-    std::optional<std::chrono::nanoseconds> untilTheNext() const {
-        if (tasks_.empty()) return std::nullopt;
-        return tasks_.begin()->first.first - now_;
-    }
-
- private:
-    using Key = std::pair<std::chrono::nanoseconds, int>;
-
-    Key add(std::chrono::nanoseconds delay, Task task) {
-        const Key key{now_ + delay, count_++};
-        tasks_.emplace(key, std::move(task));
-        return key;
-    }
-
-    std::chrono::nanoseconds now_{0};
-    int count_ = 0;
-    std::map<Key, Task> tasks_;
 };
 
 class BusConnectionTest : public testing::Test {

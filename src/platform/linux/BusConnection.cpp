@@ -56,6 +56,45 @@ struct Subscription {
     guint number = 0;
 };
 
+struct NodeInfoDeleter {
+    void operator()(GDBusNodeInfo* info) const { g_dbus_node_info_unref(info); }
+};
+
+struct ExportedObject {
+    BusConnection::Object object;
+    std::unique_ptr<GDBusNodeInfo, NodeInfoDeleter> description;
+    // 0 while there is no connection.
+    guint number = 0;
+};
+
+using WeakObject = std::weak_ptr<ExportedObject>;
+
+void answerCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
+                GVariant* arguments, GDBusMethodInvocation* invocation, gpointer weak) {
+    const auto exported = static_cast<WeakObject*>(weak)->lock();
+    const auto function = exported ? exported->object.called : nullptr;  // the call may end the object
+    if (!function) {
+        g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT,
+                                                      "The object is gone");
+    } else if (GVariant* const answer = function(method, arguments)) {
+        g_dbus_method_invocation_return_value(invocation, answer);
+    } else {
+        g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                                      "There is nothing of that kind");
+    }
+}
+
+GVariant* readProperty(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* property,
+                       GError** error, gpointer weak) {
+    const auto exported = static_cast<WeakObject*>(weak)->lock();
+    const auto function = exported ? exported->object.read : nullptr;
+    GVariant* const value = function ? function(property) : nullptr;
+    if (value == nullptr) {
+        g_set_error_literal(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_PROPERTY, "The property has no value");
+    }
+    return value;
+}
+
 }  // namespace
 
 // What GLib calls back holds a weak pointer to it, so that an answer may come after it is gone.
@@ -75,6 +114,8 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     Observers<State>& observers() { return observers_; }
     Cancellation call(const Call& call, Answered answered);
     Cancellation onSignal(const Signal& signal, std::function<void(GVariant*)> received);
+    Cancellation exportObject(Object object);
+    void emit(const char* path, const char* interface, const char* signal, GVariant* parameters);
 
  private:
     static void connected(GObject*, GAsyncResult* result, gpointer weak);
@@ -96,6 +137,8 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
               std::shared_ptr<Asker> asker);
     void subscribe(const std::shared_ptr<Subscription>& subscription);
     void unsubscribe(Subscription& subscription);
+    void registerObject(const std::shared_ptr<ExportedObject>& exported);
+    void unregisterObject(ExportedObject& exported);
 
     MainQueue& mainQueue_;
     const std::string address_;
@@ -117,6 +160,7 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     std::map<std::uint64_t, WaitingCall> waiting_;
     std::uint64_t callCount_ = 0;
     std::list<std::shared_ptr<Subscription>> subscriptions_;
+    std::list<std::shared_ptr<ExportedObject>> objects_;
 };
 
 BusConnection::Link::~Link() {
@@ -125,6 +169,8 @@ BusConnection::Link::~Link() {
         unsubscribe(*subscription);
         subscription->received = nullptr;
     }
+    for (const auto& exported : objects_)
+        unregisterObject(*exported);
     if (!connection_) return;
     g_signal_handler_disconnect(connection_.get(), closedHandler_);
     g_dbus_connection_close(connection_.get(), nullptr, nullptr, nullptr);
@@ -192,6 +238,8 @@ void BusConnection::Link::succeeded(GObjectPointer<GDBusConnection> connection) 
     // Before anything is asked, so that no change can fall between an answer and the first signal.
     for (const auto& subscription : subscriptions_)
         subscribe(subscription);
+    for (const auto& exported : objects_)
+        registerObject(exported);
     for (auto& [number, each] : std::exchange(waiting_, {})) {
         if (each.asker->answered) send(each.call, each.parameters.get(), each.deadline, each.asker);
     }
@@ -208,6 +256,8 @@ void BusConnection::Link::closed(GDBusConnection* connection, gboolean, GError*,
 void BusConnection::Link::lose() {
     for (const auto& subscription : subscriptions_)
         unsubscribe(*subscription);
+    for (const auto& exported : objects_)
+        unregisterObject(*exported);
     g_signal_handler_disconnect(connection_.get(), closedHandler_);
     connection_.reset();
     if (clock_.now() - connectedAt_ >= kSteady) pause_ = pace_.firstPause;
@@ -307,6 +357,41 @@ void BusConnection::Link::received(GDBusConnection*, const gchar*, const gchar*,
     function(parameters);
 }
 
+Cancellation BusConnection::Link::exportObject(Object object) {
+    const auto exported = std::make_shared<ExportedObject>(ExportedObject{std::move(object), nullptr});
+    exported->description.reset(g_dbus_node_info_new_for_xml(exported->object.description, nullptr));
+    objects_.push_back(exported);
+    if (connection_) registerObject(exported);
+    return Cancellation([weak = weak_from_this(), exported] {
+        exported->object.called = nullptr;
+        exported->object.read = nullptr;
+        if (const auto link = weak.lock()) {
+            link->unregisterObject(*exported);
+            link->objects_.remove(exported);
+        }
+    });
+}
+
+void BusConnection::Link::registerObject(const std::shared_ptr<ExportedObject>& exported) {
+    if (!exported->description || exported->description->interfaces[0] == nullptr) return;
+    static constexpr GDBusInterfaceVTable kFunctions{answerCall, readProperty, nullptr, {}};
+    exported->number = g_dbus_connection_register_object(
+        connection_.get(), exported->object.path, exported->description->interfaces[0], &kFunctions,
+        new WeakObject(exported), [](gpointer weak) { delete static_cast<WeakObject*>(weak); }, nullptr);
+}
+
+void BusConnection::Link::unregisterObject(ExportedObject& exported) {
+    if (exported.number == 0) return;
+    g_dbus_connection_unregister_object(connection_.get(), std::exchange(exported.number, 0));
+}
+
+void BusConnection::Link::emit(const char* path, const char* interface, const char* signal,
+                               GVariant* parameters) {
+    const GVariantPointer taken(parameters != nullptr ? g_variant_ref_sink(parameters) : nullptr);
+    if (!connection_) return;
+    g_dbus_connection_emit_signal(connection_.get(), nullptr, path, interface, signal, taken.get(), nullptr);
+}
+
 std::string BusConnection::sessionAddress() {
     if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address != nullptr) {
         const bool wouldStartOne = std::string_view(address).substr(0, 11) == "autolaunch:";
@@ -351,6 +436,14 @@ Cancellation BusConnection::call(const Call& call, Answered answered) {
 
 Cancellation BusConnection::onSignal(const Signal& signal, std::function<void(GVariant*)> received) {
     return link_->onSignal(signal, std::move(received));
+}
+
+Cancellation BusConnection::exportObject(Object object) {
+    return link_->exportObject(std::move(object));
+}
+
+void BusConnection::emit(const char* path, const char* interface, const char* signal, GVariant* parameters) {
+    link_->emit(path, interface, signal, parameters);
 }
 
 Cancellation BusConnection::onOwnerChange(const char* name, std::function<void(bool hasOwner)> changed) {

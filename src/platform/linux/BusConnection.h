@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/Cancellation.h"
 #include "platform/MainQueue.h"
@@ -92,6 +93,24 @@ class BusConnection {
                                         std::function<void(GVariant* parameters)> received);
     // Told whenever the name came, went or passed to another owner.
     [[nodiscard]] Cancellation onOwnerChange(const char* name, std::function<void(bool hasOwner)> changed);
+
+    // Something of ours that others on the bus can call: one interface at a path.
+    struct Object {
+        // A literal.
+        const char* path;
+        // Introspection data in XML, with this interface alone.
+        const char* description;
+        // Answers a call of a method that the description names, with arguments of the types that it names:
+        // a tuple of the results. Null where there is no answer to these arguments: the caller gets an error.
+        std::function<GVariant*(std::string_view method, GVariant* arguments)> called;
+        // The value of a property that the description names. Null for none at the moment.
+        std::function<GVariant*(std::string_view property)> read;
+    };
+    // The object is there over every connection that is yet to come. Its functions may end it.
+    [[nodiscard]] Cancellation exportObject(Object object);
+    // Sends a signal of such an object to whoever follows it. The parameters are a tuple, which is taken over
+    // if it is floating; null for none. Without a connection there is nobody to send it to.
+    void emit(const char* path, const char* interface, const char* signal, GVariant* parameters = nullptr);
 
  private:
     class Link;

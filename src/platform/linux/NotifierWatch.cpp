@@ -1,0 +1,106 @@
+#include "platform/linux/NotifierWatch.h"
+
+#include <memory>
+#include <utility>
+
+#include "platform/linux/GVariantPointer.h"
+
+namespace norvane {
+namespace {
+
+// Also its interface.
+constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* kPath = "/StatusNotifierWatcher";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+constexpr const char* kIsHostRegistered = "IsStatusNotifierHostRegistered";
+
+}  // namespace
+
+NotifierWatch::NotifierWatch(BusConnection& sessionBus, std::chrono::milliseconds limit)
+    : bus_(sessionBus), limit_(limit) {
+    owner_ = bus_.onOwnerChange(kWatcher, [this](bool hasOwner) {
+        if (hasOwner) {
+            begin();
+        } else {
+            know(State::absent);
+        }
+    });
+    registered_ = bus_.onSignal(
+        {.sender = kWatcher, .path = kPath, .interface = kWatcher, .member = "StatusNotifierHostRegistered"},
+        [this](GVariant*) { know(State::present); });
+    // There may be a further one.
+    unregistered_ = bus_.onSignal({.sender = kWatcher,
+                                   .path = kPath,
+                                   .interface = kWatcher,
+                                   .member = "StatusNotifierHostUnregistered"},
+                                  [this](GVariant*) { ask(); });
+    properties_ = bus_.onSignal({.sender = kWatcher,
+                                 .path = kPath,
+                                 .interface = kProperties,
+                                 .member = "PropertiesChanged",
+                                 .firstArgument = kWatcher},
+                                [this](GVariant* parameters) { propertiesChanged(parameters); });
+    connection_ = bus_.onStateChange([this](BusConnection::State state) { connectionChanged(state); });
+    connectionChanged(bus_.state());
+}
+
+void NotifierWatch::connectionChanged(BusConnection::State state) {
+    if (state == BusConnection::State::connected) begin();
+    if (state == BusConnection::State::down) know(State::absent);
+}
+
+// There may be a watcher that was not there before.
+void NotifierWatch::begin() {
+    ++generation_;
+    if (state_ == State::absent) state_ = State::unknown;
+    ask();
+    changed_.tell();
+}
+
+// Nobody is started for this: a watcher without a panel is of no use.
+void NotifierWatch::ask() {
+    question_ = bus_.call({.name = kWatcher,
+                           .path = kPath,
+                           .interface = kProperties,
+                           .method = "Get",
+                           .parameters = g_variant_new("(ss)", kWatcher, kIsHostRegistered),
+                           .answerType = G_VARIANT_TYPE("(v)"),
+                           .flags = G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                           .limit = limit_},
+                          [this](GVariant* answer, const GError*) {
+                              if (answer == nullptr) {
+                                  know(State::absent);
+                                  return;
+                              }
+                              const GVariantPointer boxed(g_variant_get_child_value(answer, 0));
+                              const GVariantPointer value(g_variant_get_variant(boxed.get()));
+                              learn(value.get());
+                          });
+}
+
+void NotifierWatch::propertiesChanged(GVariant* parameters) {
+    if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(sa{sv}as)"))) return;
+    const GVariantPointer changed(g_variant_get_child_value(parameters, 1));
+    const GVariantPointer value(g_variant_lookup_value(changed.get(), kIsHostRegistered, nullptr));
+    if (value) {
+        learn(value.get());
+        return;
+    }
+    const GVariantPointer invalidated(g_variant_get_child_value(parameters, 2));
+    const std::unique_ptr<const gchar*, decltype(&g_free)> names(
+        g_variant_get_strv(invalidated.get(), nullptr), &g_free);
+    if (g_strv_contains(names.get(), kIsHostRegistered)) ask();
+}
+
+void NotifierWatch::learn(GVariant* isHostRegistered) {
+    const bool isThere = g_variant_is_of_type(isHostRegistered, G_VARIANT_TYPE_BOOLEAN) &&
+                         g_variant_get_boolean(isHostRegistered) != FALSE;
+    know(isThere ? State::present : State::absent);
+}
+
+void NotifierWatch::know(State state) {
+    question_.cancel();  // its answer would be an older one
+    if (std::exchange(state_, state) != state) changed_.tell();
+}
+
+}  // namespace norvane
