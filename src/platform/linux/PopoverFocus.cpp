@@ -62,7 +62,7 @@ bool PopoverFocus::left(const xcb_focus_out_event_t& event) {
 }
 
 void PopoverFocus::giveBack() {
-    if (has_) {
+    if (has_ && !desk_.connection.hasManagedPopovers()) {
         xcb_set_input_focus(desk_.connection.get(), XCB_INPUT_FOCUS_POINTER_ROOT, before_, time_);
     }
     has_ = false;

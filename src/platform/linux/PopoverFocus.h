@@ -6,7 +6,8 @@ namespace norvane {
 
 // The keyboard in the hands of a popover's window: asked for once the window is on the screen, given back to
 // whoever had it. Focus is asked for and given back with the server's time of the request, so that a choice
-// that the user, or the window manager for him, made in between wins. Main thread only.
+// that the user, or the window manager for him, made in between wins. Where the window manager manages the
+// window it is the one to give the keyboard on. Main thread only.
 class PopoverFocus {
  public:
     explicit PopoverFocus(const Desk& desk) : desk_(desk) {}

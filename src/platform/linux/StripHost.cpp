@@ -9,6 +9,7 @@
 #include "drawing/PanelTones.h"
 #include "platform/linux/X11Event.h"
 #include "platform/linux/X11Properties.h"
+#include "platform/linux/X11Windows.h"
 #include "platform/StatusItem.h"
 
 namespace norvane {
@@ -29,21 +30,12 @@ constexpr std::uint32_t kOnAllDesktops = 0xFFFFFFFF;
 
 StripHost::StripHost(const Desk& desk, std::function<void()> clicked)
     : desk_(desk),
-      clicked_(std::move(clicked)),
-      surface_(desk.connection, desk.layouts),
-      frames_(desk.mainQueue, desk.clock, desk.light, [this] { update(); }) {
-    appearance_ = desk_.appearance.onDidChange([this] { updateSoon(); });
-    screen_ = desk_.screen.onDidChange([this] { updateSoon(); });
-    dropMemory_ = desk_.memory.onDrop([this] { surface_.dropCaches(); });
-    updateSoon();
-}
+      face_(
+          desk, [this] { update(); }, std::move(clicked)) {}
 
 StripHost::~StripHost() {
-    setContent(nullptr);
-    update_.cancel();
-    frames_.stop();
     events_.cancel();
-    surface_.release();
+    face_.release();
     if (window_ != XCB_NONE) {
         xcb_destroy_window(desk_.connection.get(), window_);
         xcb_flush(desk_.connection.get());
@@ -52,14 +44,7 @@ StripHost::~StripHost() {
 
 void StripHost::setLength(double points) {
     length_ = points > 0 && std::isfinite(points) ? points : kHeight;
-    updateSoon();
-}
-
-void StripHost::setContent(SurfaceContent* content) {
-    if (content_ != nullptr) content_->setChangeHandler(nullptr);
-    content_ = content;
-    if (content_ != nullptr) content_->setChangeHandler([this] { updateSoon(); });
-    updateSoon();
+    face_.updateSoon();
 }
 
 std::optional<Rect> StripHost::buttonFrame() const {
@@ -133,15 +118,7 @@ void StripHost::reserveRow() {
     xcb_icccm_set_wm_normal_hints(desk_.connection.get(), window_, &hints);
 }
 
-void StripHost::updateSoon() {
-    if (std::exchange(isUpdateDue_, true)) return;
-    update_ = desk_.mainQueue.after(0ns, [this] { update(); });
-}
-
 void StripHost::update() {
-    update_.cancel();
-    isUpdateDue_ = false;
-    if (!desk_.connection.isAlive()) return;
     xcb_connection_t* const server = desk_.connection.get();
     const PixelRect wanted = wantedFrame();
     if (window_ == XCB_NONE || wanted != asked_) {
@@ -161,70 +138,45 @@ void StripHost::update() {
         }
         reserveRow();
     }
-    const bool isTakenOff = isOffered_ && offerAgain_;
-    if (isTakenOff || visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) {
-        frames_.stop();
-        return;  // painted once it can be seen
-    }
-    if (frames_.isHeld() || !surface_.isReady()) return;
-    surface_.prepare({.window = window_,
-                      .visual = desk_.connection.opaqueVisual(),
-                      .width = asked_.width,
-                      .height = asked_.height});
-    const MonotonicInstant at = desk_.clock.now();
-    surface_.paint(picture(at), {.scale = desk_.screen.scale()});
+    if (isOffered_ && offerAgain_) return;  // taken off the screen
+    const X11Surface::Form form{.window = window_,
+                                .visual = desk_.connection.opaqueVisual(),
+                                .width = asked_.width,
+                                .height = asked_.height};
+    if (!face_.paint(form, ground(), {length_, kHeight})) return;
     if (!std::exchange(isOffered_, true)) {
         xcb_map_window(server, window_);
         shown_ = desk_.ownWindows.add(window_, frame_);
     }
-    surface_.present();
-    frames_.painted(at, content_ != nullptr ? content_->frameRate() : 0);
+    face_.present();
 }
 
-DisplayList StripHost::picture(MonotonicInstant at) const {
+std::vector<DisplayItem> StripHost::ground() const {
     const double scale = desk_.screen.scale();
     const PanelTones& tones = panelTones(desk_.appearance.isDark());
     const Size size{asked_.width / scale, asked_.height / scale};
-    DisplayList list;
-    list.size = size;
-    const auto fill = [&list](const char* key, const Rect& rect, const Color& color) {
-        list.items.push_back({key, rect, FillShape{RoundedRect{rect, 0}, color}});
-    };
-    fill("//strip", {{}, size}, tones.strip);
     const double hair = 1 / scale;
-    fill("//bottom edge", {{0, size.height - hair}, {size.width, hair}}, tones.stripEdge);
-    fill("//left edge", {{0, 0}, {hair, size.height - hair}}, tones.stripEdge);
-    if (content_ != nullptr) {
-        DisplayList content = content_->displayList({length_, kHeight}, at);
-        list.items.insert(list.items.end(), std::make_move_iterator(content.items.begin()),
-                          std::make_move_iterator(content.items.end()));
-    }
-    return list;
+    const auto fill = [](const char* key, const Rect& rect, const Color& color) {
+        return DisplayItem{key, rect, FillShape{RoundedRect{rect, 0}, color}};
+    };
+    return {fill("//strip", {{}, size}, tones.strip),
+            fill("//bottom edge", {{0, size.height - hair}, {size.width, hair}}, tones.stripEdge),
+            fill("//left edge", {{0, 0}, {hair, size.height - hair}}, tones.stripEdge)};
 }
 
 void StripHost::handle(const xcb_generic_event_t& event) {
     switch (typeOf(event)) {
-        case XCB_BUTTON_PRESS:
-            if (eventAs<xcb_button_press_event_t>(event).detail == XCB_BUTTON_INDEX_1) {
-                const auto clicked = clicked_;
-                clicked();  // the last thing here: it may end this host
-            }
+        case XCB_VISIBILITY_NOTIFY:
+            face_.handle(event);
+            if (face_.visibility() != XCB_VISIBILITY_UNOBSCURED) comeBackSoon();
             return;
-        case XCB_VISIBILITY_NOTIFY: {
-            const int before =
-                std::exchange(visibility_, eventAs<xcb_visibility_notify_event_t>(event).state);
-            if (visibility_ == XCB_VISIBILITY_FULLY_OBSCURED) frames_.stop();
-            if (before == XCB_VISIBILITY_FULLY_OBSCURED && visibility_ != before) updateSoon();
-            if (visibility_ != XCB_VISIBILITY_UNOBSCURED) comeBackSoon();
-            return;
-        }
         case XCB_MAP_NOTIFY:
-            if (offerAgain_) updateSoon();
+            if (offerAgain_) face_.updateSoon();
             offerAgain_.cancel();
             return;
         case XCB_DESTROY_NOTIFY:
             events_.cancel();
-            surface_.release();
+            face_.release();
             window_ = XCB_NONE;
             isReparented_ = false;
             [[fallthrough]];
@@ -235,25 +187,23 @@ void StripHost::handle(const xcb_generic_event_t& event) {
             isReparented_ = eventAs<xcb_reparent_notify_event_t>(event).parent != desk_.connection.root();
             return;
         case XCB_CONFIGURE_NOTIFY:
-            followPlace(eventAs<xcb_configure_notify_event_t>(event));
+            followPlace(event);
             return;
         default:
-            if (surface_.handle(event)) updateSoon();
+            face_.handle(event);
             return;
     }
 }
 
 // A window manager may have put it elsewhere. Its own events tell of the root; the server's tell of the frame
 // that the window manager put around the window.
-void StripHost::followPlace(const xcb_configure_notify_event_t& event) {
-    PixelRect place{event.x, event.y, event.width, event.height};
-    if (isReparented_ && (event.response_type & 0x80) == 0) {
-        xcb_connection_t* const server = desk_.connection.get();
-        const X11Reply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
-            server, xcb_translate_coordinates(server, window_, desk_.connection.root(), 0, 0), nullptr));
-        if (!reply) return;
-        place.x = reply->dst_x;
-        place.y = reply->dst_y;
+void StripHost::followPlace(const xcb_generic_event_t& event) {
+    const auto& told = eventAs<xcb_configure_notify_event_t>(event);
+    PixelRect place{told.x, told.y, told.width, told.height};
+    if (isReparented_ && !isSynthetic(event)) {
+        const auto onScreen = frameOnScreen(desk_.connection, window_);
+        if (!onScreen) return;
+        place = *onScreen;
     }
     frame_ = place;
     desk_.ownWindows.move(window_, frame_);
@@ -262,12 +212,11 @@ void StripHost::followPlace(const xcb_configure_notify_event_t& event) {
 // Somebody took it off the screen: without it there is no way to us. A window manager that adopts it shows it
 // again by itself; whoever else did it is not fought with.
 void StripHost::offerAgainLater() {
-    frames_.stop();
+    face_.stop();
     offerAgain_ = desk_.mainQueue.after(kOfferAgain, [this] {
         shown_.cancel();
         isOffered_ = false;
-        visibility_ = XCB_VISIBILITY_UNOBSCURED;
-        updateSoon();
+        face_.updateSoon();
     });
 }
 
@@ -283,7 +232,7 @@ void StripHost::comeBackSoon() {
 
 void StripHost::comeBack() {
     // A window manager keeps docks where they belong, and full-screen windows before them.
-    if (visibility_ == XCB_VISIBILITY_UNOBSCURED || desk_.screen.hasWindowManager()) return;
+    if (face_.visibility() == XCB_VISIBILITY_UNOBSCURED || desk_.screen.hasWindowManager()) return;
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(desk_.connection.get(), window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     cameBack_ = desk_.clock.now();

@@ -3,9 +3,8 @@
 #include <functional>
 
 #include "platform/linux/Desk.h"
-#include "platform/linux/FrameClock.h"
+#include "platform/linux/StatusItemFace.h"
 #include "platform/linux/StatusItemHost.h"
-#include "platform/linux/X11Surface.h"
 
 namespace norvane {
 
@@ -20,35 +19,30 @@ class StripHost final : public StatusItemHost {
     ~StripHost() override;
 
     void setLength(double points) override;
-    void setContent(SurfaceContent* content) override;
+    void setContent(SurfaceContent* content) override { face_.setContent(content); }
     std::optional<Rect> buttonFrame() const override;
 
  private:
     PixelRect wantedFrame() const;
     void createWindow();
     void reserveRow();
-    void updateSoon();
     void update();
-    DisplayList picture(MonotonicInstant at) const;
+    std::vector<DisplayItem> ground() const;
     void handle(const xcb_generic_event_t& event);
-    void followPlace(const xcb_configure_notify_event_t& event);
+    void followPlace(const xcb_generic_event_t& event);
     void offerAgainLater();
     void comeBackSoon();
     void comeBack();
 
     Desk desk_;
-    std::function<void()> clicked_;
     double length_ = kHeight;
-    SurfaceContent* content_ = nullptr;
 
     xcb_window_t window_ = XCB_NONE;
     bool isOffered_ = false;  // the server was asked to show it
     PixelRect asked_;         // where it was asked for, and
     PixelRect frame_;         // where it is
     bool isReparented_ = false;
-    int visibility_ = XCB_VISIBILITY_UNOBSCURED;
-    X11Surface surface_;
-    FrameClock frames_;
+    StatusItemFace face_;
 
     // Coming back waits longer each time, until it was left alone for a while: two windows that both want to
     // be in front do not flicker.
@@ -56,15 +50,10 @@ class StripHost final : public StatusItemHost {
     std::chrono::nanoseconds nextWait_{0};
     bool isComingBack_ = false;
 
-    bool isUpdateDue_ = false;
-    Cancellation update_;
     Cancellation comeBack_;
     Cancellation offerAgain_;
     Cancellation events_;
     Cancellation shown_;
-    Cancellation appearance_;
-    Cancellation screen_;
-    Cancellation dropMemory_;
 };
 
 }  // namespace norvane

@@ -22,6 +22,7 @@ constexpr std::array kNames{
     Named{&X11Atoms::netWmDesktop, "_NET_WM_DESKTOP"},
     Named{&X11Atoms::netWmWindowType, "_NET_WM_WINDOW_TYPE"},
     Named{&X11Atoms::netWmWindowTypeDock, "_NET_WM_WINDOW_TYPE_DOCK"},
+    Named{&X11Atoms::netWmWindowTypeDialog, "_NET_WM_WINDOW_TYPE_DIALOG"},
     Named{&X11Atoms::netWmWindowTypeDropdownMenu, "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU"},
     Named{&X11Atoms::netWmState, "_NET_WM_STATE"},
     Named{&X11Atoms::netWmStateAbove, "_NET_WM_STATE_ABOVE"},
@@ -33,6 +34,13 @@ constexpr std::array kNames{
     Named{&X11Atoms::netWorkarea, "_NET_WORKAREA"},
     Named{&X11Atoms::gtkFrameExtents, "_GTK_FRAME_EXTENTS"},
     Named{&X11Atoms::comptonShadow, "_COMPTON_SHADOW"},
+    Named{&X11Atoms::norvane, "_NORVANE"},
+    Named{&X11Atoms::norvaneReopen, "_NORVANE_REOPEN"},
+    Named{&X11Atoms::motifWmHints, "_MOTIF_WM_HINTS"},
+    Named{&X11Atoms::manager, "MANAGER"},
+    Named{&X11Atoms::netSystemTrayOpcode, "_NET_SYSTEM_TRAY_OPCODE"},
+    Named{&X11Atoms::netSystemTrayVisual, "_NET_SYSTEM_TRAY_VISUAL"},
+    Named{&X11Atoms::xembedInfo, "_XEMBED_INFO"},
 };
 
 xcb_intern_atom_cookie_t ask(xcb_connection_t* connection, std::string_view name) {
@@ -45,7 +53,9 @@ bool X11Atoms::intern(xcb_connection_t* connection, int screenNumber) {
     std::array<xcb_intern_atom_cookie_t, kNames.size()> cookies;
     for (std::size_t i = 0; i < kNames.size(); ++i)
         cookies[i] = ask(connection, kNames[i].name);
-    const auto compositor = ask(connection, "_NET_WM_CM_S" + std::to_string(screenNumber));
+    const std::string number = std::to_string(screenNumber);
+    const auto compositor = ask(connection, "_NET_WM_CM_S" + number);
+    const auto tray = ask(connection, "_NET_SYSTEM_TRAY_S" + number);
 
     bool areAllThere = true;
     const auto take = [&](xcb_intern_atom_cookie_t cookie, xcb_atom_t& atom) {
@@ -56,6 +66,7 @@ bool X11Atoms::intern(xcb_connection_t* connection, int screenNumber) {
     for (std::size_t i = 0; i < kNames.size(); ++i)
         take(cookies[i], this->*kNames[i].atom);
     take(compositor, netWmCm);
+    take(tray, netSystemTray);
     return areAllThere;
 }
 

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/linux/X11Event.h"
+#include "platform/linux/XWayland.h"
 
 namespace norvane {
 namespace {
@@ -92,6 +93,9 @@ std::unique_ptr<X11Connection> X11Connection::open(const char* display, const Us
     if (!uses.shm) opened->shm_ = {};
     if (!uses.input) opened->input_ = {};
     if (!uses.shape) opened->shape_ = {};
+    if (!uses.fixes) opened->fixes_ = {};
+    opened->isXWayland_ = runsOnWayland(connection, screen->root, opened->randr_.isPresent);
+    opened->hasManagedPopovers_ = opened->isXWayland_ || uses.managedPopovers;
     opened->listen();
     return opened;
 }
@@ -156,40 +160,56 @@ bool X11Connection::introduce(int screenNumber) {
 }
 
 void X11Connection::findVisuals() {
-    const auto visualOf = [this](std::uint8_t depth) {
-        Visual found;
-        bool has32BitPixels = false;
-        for (auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(connection_)); formats.rem > 0;
-             xcb_format_next(&formats)) {
-            if (formats.data->depth == depth && formats.data->bits_per_pixel == 32) has32BitPixels = true;
-        }
-        if (!has32BitPixels) return found;
-        for (auto depths = xcb_screen_allowed_depths_iterator(screen_); depths.rem > 0;
-             xcb_depth_next(&depths)) {
-            if (depths.data->depth != depth) continue;
-            for (auto visuals = xcb_depth_visuals_iterator(depths.data); visuals.rem > 0;
-                 xcb_visualtype_next(&visuals)) {
-                const xcb_visualtype_t& visual = *visuals.data;
-                const bool isOurs = visual._class == XCB_VISUAL_CLASS_TRUE_COLOR &&
-                                    visual.red_mask == 0xFF0000 && visual.green_mask == 0xFF00 &&
-                                    visual.blue_mask == 0xFF;
-                // The root's own visual, where it will do, needs no colour map of ours.
-                if (isOurs && (found.id == XCB_NONE || visual.visual_id == screen_->root_visual)) {
-                    found = {depth, visual.visual_id, XCB_NONE};
-                }
+    // The root's own visual, where it will do, needs no colour map of ours.
+    opaque_ = findVisual(24, screen_->root_visual, false);
+    translucent_ = findVisual(32, screen_->root_visual, false);
+    addColormap(opaque_);
+    addColormap(translucent_);
+}
+
+X11Connection::Visual X11Connection::findVisual(std::uint8_t depth, xcb_visualid_t preferred,
+                                                bool isRequired) const {
+    Visual found;
+    bool has32BitPixels = false;
+    for (auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(connection_)); formats.rem > 0;
+         xcb_format_next(&formats)) {
+        if (formats.data->depth == depth && formats.data->bits_per_pixel == 32) has32BitPixels = true;
+    }
+    if (!has32BitPixels) return found;
+    for (auto depths = xcb_screen_allowed_depths_iterator(screen_); depths.rem > 0; xcb_depth_next(&depths)) {
+        if (depths.data->depth != depth) continue;
+        for (auto visuals = xcb_depth_visuals_iterator(depths.data); visuals.rem > 0;
+             xcb_visualtype_next(&visuals)) {
+            const xcb_visualtype_t& visual = *visuals.data;
+            const bool isOurs = visual._class == XCB_VISUAL_CLASS_TRUE_COLOR && visual.red_mask == 0xFF0000 &&
+                                visual.green_mask == 0xFF00 && visual.blue_mask == 0xFF;
+            const bool isPreferred = visual.visual_id == preferred;
+            if (isOurs && (isPreferred || (!isRequired && found.id == XCB_NONE))) {
+                found = {depth, visual.visual_id, XCB_NONE};
             }
         }
-        if (found.id == screen_->root_visual) {
-            found.colormap = screen_->default_colormap;
-        } else if (found.id != XCB_NONE) {
-            found.colormap = xcb_generate_id(connection_);
-            xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, found.colormap, screen_->root,
-                                found.id);
-        }
-        return found;
-    };
-    opaque_ = visualOf(24);
-    translucent_ = visualOf(32);
+    }
+    return found;
+}
+
+void X11Connection::addColormap(Visual& visual) {
+    if (visual.id == XCB_NONE) return;
+    if (visual.id == screen_->root_visual) {
+        visual.colormap = screen_->default_colormap;
+        return;
+    }
+    visual.colormap = xcb_generate_id(connection_);
+    xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, visual.colormap, screen_->root, visual.id);
+}
+
+X11Connection::Visual X11Connection::translucentVisual(xcb_visualid_t id) {
+    if (id == translucent_.id) return translucent_;
+    if (const auto found = otherTranslucent_.find(id); found != otherTranslucent_.end()) return found->second;
+    Visual visual = findVisual(32, id, true);
+    if (visual.id == XCB_NONE) return {};
+    addColormap(visual);
+    otherTranslucent_.emplace(id, visual);
+    return visual;
 }
 
 void X11Connection::listen() {

@@ -26,12 +26,16 @@ class X11Connection {
         bool shm = true;
         bool input = true;
         bool shape = true;
+        bool fixes = true;
+        // Popovers as they have to be under XWayland, on any server.
+        bool managedPopovers = false;
     };
 
     // Connects to the named display, or to the one that DISPLAY names. Null where there is none, where it
     // does not let us in, or where its screen has no visual with 8 bits for each colour.
     static std::unique_ptr<X11Connection> open(const char* display = nullptr) {
-        return open(display, {.shm = true, .input = true, .shape = true});
+        return open(display,
+                    {.shm = true, .input = true, .shape = true, .fixes = true, .managedPopovers = false});
     }
     static std::unique_ptr<X11Connection> open(const char* display, const Uses& uses);
     ~X11Connection();
@@ -52,6 +56,9 @@ class X11Connection {
     // 24 bits of colour, or the same with opacity; the latter has no id where the server has none.
     const Visual& opaqueVisual() const { return opaque_; }
     const Visual& translucentVisual() const { return translucent_; }
+    // The one of that id where it is a translucent one too: servers with OpenGL have many that look alike,
+    // and other programs name theirs. Without an id otherwise.
+    Visual translucentVisual(xcb_visualid_t id);
 
     // What the server can do besides the core protocol. The first event number, or major opcode, of each is
     // told with it.
@@ -67,6 +74,12 @@ class X11Connection {
     const Extension& fixes() const { return fixes_; }
     const Extension& dpms() const { return dpms_; }    // the display's power
     const Extension& saver() const { return saver_; }  // news of the screen saver
+
+    // Whether the screen is a Wayland compositor's. There windows past the window manager do not get the
+    // keyboard.
+    bool isXWayland() const { return isXWayland_; }
+    // Whether a popover is a window that the window manager manages.
+    bool hasManagedPopovers() const { return hasManagedPopovers_; }
 
     // Whether the server's images have our byte order.
     bool hasOurByteOrder() const { return hasOurByteOrder_; }
@@ -90,6 +103,8 @@ class X11Connection {
         : connection_(connection), screen_(screen) {}
     bool introduce(int screenNumber);
     void findVisuals();
+    Visual findVisual(std::uint8_t depth, xcb_visualid_t preferred, bool isRequired) const;
+    void addColormap(Visual& visual);
     void listen();
 
     bool hasEventWaiting();
@@ -102,6 +117,7 @@ class X11Connection {
     X11Atoms atoms_;
     Visual opaque_;
     Visual translucent_;
+    std::unordered_map<xcb_visualid_t, Visual> otherTranslucent_;  // that were asked for
     Extension shm_;
     Extension input_;
     Extension randr_;
@@ -109,6 +125,8 @@ class X11Connection {
     Extension fixes_;
     Extension dpms_;
     Extension saver_;
+    bool isXWayland_ = false;
+    bool hasManagedPopovers_ = false;
     bool hasOurByteOrder_ = true;
     Source* source_ = nullptr;
     X11Reply<xcb_generic_event_t> next_;  // taken from XCB's queue, not delivered yet

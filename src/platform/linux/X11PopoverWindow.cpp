@@ -1,6 +1,7 @@
 #include "platform/linux/X11PopoverWindow.h"
 
 #include <xcb/shape.h>
+#include <xcb/xcb_icccm.h>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -10,6 +11,7 @@
 #include "drawing/PanelTones.h"
 #include "platform/linux/X11Event.h"
 #include "platform/linux/X11Properties.h"
+#include "platform/linux/X11Windows.h"
 
 namespace norvane {
 namespace {
@@ -98,7 +100,7 @@ void X11PopoverWindow::orderFront() {
     paint();
     xcb_map_window(server, window_);
     surface_.present();
-    shown_ = desk_.ownWindows.add(window_, panelFrame());
+    shown_ = desk_.ownWindows.add(window_, panelOnScreen());
     if (desk_.outsidePresses.isAvailable()) {
         outsidePresses_ = desk_.outsidePresses.onPress([this] { observer_.windowPressedOutside(); });
     } else {
@@ -184,6 +186,12 @@ PixelRect X11PopoverWindow::windowFrame() const {
     return {room.x - around, room.y - around, room.width + 2 * around, room.height + 2 * around};
 }
 
+PixelRect X11PopoverWindow::panelOnScreen() const {
+    if (!placed_) return panelFrame();
+    const PixelRect window = windowFrame();
+    return panelFrame().moved(placed_->x - window.x, placed_->y - window.y);
+}
+
 PopoverShape X11PopoverWindow::shape() const {
     const PixelRect window = windowFrame();
     return {.panel = panelFrame().moved(-window.x, -window.y),
@@ -199,7 +207,6 @@ PopoverShape X11PopoverWindow::shape() const {
 
 void X11PopoverWindow::createWindow() {
     X11Connection& connection = desk_.connection;
-    const X11Atoms& atoms = connection.atoms();
     isTranslucent_ = desk_.screen.isComposited() && connection.translucentVisual().id != XCB_NONE;
     const X11Connection::Visual& visual =
         isTranslucent_ ? connection.translucentVisual() : connection.opaqueVisual();
@@ -207,7 +214,8 @@ void X11PopoverWindow::createWindow() {
     window_ = xcb_generate_id(connection.get());
     const Color tone = panelTones(desk_.appearance.isDark()).panel;
     const std::array<std::uint32_t, 5> values{
-        isTranslucent_ ? 0 : opaquePixel(tone.red, tone.green, tone.blue), 0, 1,
+        isTranslucent_ ? 0 : opaquePixel(tone.red, tone.green, tone.blue), 0,
+        connection.hasManagedPopovers() ? 0u : 1u,
         XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
             XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEY_PRESS |
             XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
@@ -221,10 +229,53 @@ void X11PopoverWindow::createWindow() {
                           XCB_CW_COLORMAP,
                       values.data());
     events_ = connection.onEvent(window_, [this](const xcb_generic_event_t& event) { handle(event); });
-    setNames(connection, window_, "Norvane");
-    setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM,
-                {atoms.netWmWindowTypeDropdownMenu});
+    describe();
     cutShape();
+}
+
+void X11PopoverWindow::describe() {
+    X11Connection& connection = desk_.connection;
+    const X11Atoms& atoms = connection.atoms();
+    setNames(connection, window_, "Norvane");
+    if (!connection.hasManagedPopovers()) {
+        setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM,
+                    {atoms.netWmWindowTypeDropdownMenu});
+        return;
+    }
+    // Of the kinds of windows that compositors give the keyboard to, this one stays where it asked to be.
+    setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM, {atoms.netWmWindowTypeDialog});
+    setProperty(connection, window_, atoms.netWmState, XCB_ATOM_ATOM,
+                {atoms.netWmStateAbove, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager});
+    // Motif's hints: of what they may tell, the decorations, and none of these.
+    static constexpr std::uint32_t kTellsDecorations = 2;
+    setProperty(connection, window_, atoms.motifWmHints, atoms.motifWmHints, {kTellsDecorations, 0, 0, 0, 0});
+    // To be asked instead of cut off.
+    setProperty(connection, window_, atoms.wmProtocols, XCB_ATOM_ATOM, {atoms.wmDeleteWindow});
+    xcb_icccm_wm_hints_t hints{};
+    xcb_icccm_wm_hints_set_input(&hints, 1);
+    xcb_icccm_wm_hints_set_normal(&hints);
+    xcb_icccm_set_wm_hints(connection.get(), window_, &hints);
+    sayWhereItIsWanted();
+}
+
+void X11PopoverWindow::sayWhereItIsWanted() {
+    xcb_size_hints_t hints{};
+    xcb_icccm_size_hints_set_position(&hints, 1, formed_.x, formed_.y);
+    hints.flags |= XCB_ICCCM_SIZE_HINT_P_POSITION;
+    xcb_icccm_size_hints_set_size(&hints, 1, formed_.width, formed_.height);
+    xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);
+    xcb_icccm_set_wm_normal_hints(desk_.connection.get(), window_, &hints);
+}
+
+// Only of a managed window: nobody moves another but us.
+void X11PopoverWindow::followPlace() {
+    if (!desk_.connection.hasManagedPopovers()) return;
+    if (const auto frame = frameOnScreen(desk_.connection, window_)) putAt(frame->x, frame->y);
+}
+
+void X11PopoverWindow::putAt(int x, int y) {
+    placed_ = Corner{x, y};
+    desk_.ownWindows.move(window_, panelOnScreen());
 }
 
 void X11PopoverWindow::destroyWindow() {
@@ -234,6 +285,7 @@ void X11PopoverWindow::destroyWindow() {
     events_.cancel();
     surface_.release();
     painted_ = cut_ = {};
+    placed_.reset();
     if (window_ == XCB_NONE) return;
     xcb_destroy_window(desk_.connection.get(), window_);  // lets the pointer go as well
     xcb_flush(desk_.connection.get());
@@ -245,20 +297,24 @@ void X11PopoverWindow::destroyWindow() {
 void X11PopoverWindow::settle() {
     const PixelRect wanted = windowFrame();
     if (wanted != formed_) {
-        formed_ = wanted;
         // What is on the screen stays where it is, whichever edge moves.
         const std::uint32_t gravity = place_.hangsUp() ? XCB_GRAVITY_SOUTH_WEST : XCB_GRAVITY_NORTH_WEST;
         xcb_change_window_attributes(desk_.connection.get(), window_, XCB_CW_BIT_GRAVITY, &gravity);
+        // A place that did not change is not asked for again: the user may have moved the window.
+        const bool isMoved = wanted.x != formed_.x || wanted.y != formed_.y;
         const std::array<std::uint32_t, 4> values{
             static_cast<std::uint32_t>(wanted.x), static_cast<std::uint32_t>(wanted.y),
             static_cast<std::uint32_t>(wanted.width), static_cast<std::uint32_t>(wanted.height)};
+        const std::uint16_t size = XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+        formed_ = wanted;
+        if (desk_.connection.hasManagedPopovers()) sayWhereItIsWanted();
         xcb_configure_window(
             desk_.connection.get(), window_,
-            XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-            values.data());
+            isMoved ? static_cast<std::uint16_t>(XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | size) : size,
+            isMoved ? values.data() : values.data() + 2);
     }
     cutShape();
-    desk_.ownWindows.move(window_, panelFrame());
+    desk_.ownWindows.move(window_, panelOnScreen());
 }
 
 // Without a compositor the panel is cut out of the window; with one, the shadow lets the pointer through.
@@ -372,8 +428,16 @@ void X11PopoverWindow::paint() {
 void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
     switch (typeOf(event)) {
         case XCB_MAP_NOTIFY:
+            followPlace();
             if (std::exchange(isUnmapped_, false)) repaintSoon();
             focus_.mapped(window_);
+            return;
+        case XCB_CONFIGURE_NOTIFY:
+        case XCB_REPARENT_NOTIFY:
+            followPlace();
+            return;
+        case XCB_CLIENT_MESSAGE:
+            told(eventAs<xcb_client_message_event_t>(event));
             return;
         case XCB_UNMAP_NOTIFY:
             isUnmapped_ = true;
@@ -399,11 +463,13 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
         }
         case XCB_MOTION_NOTIFY: {
             const auto& motion = eventAs<xcb_motion_notify_event_t>(event);
+            followPointer(motion);
             pointer(PointerEvent::Kind::move, motion.root_x, motion.root_y);
             return;
         }
         case XCB_ENTER_NOTIFY: {
             const auto& enter = eventAs<xcb_enter_notify_event_t>(event);
+            followPointer(enter);
             focus_.pointerCame();
             pointer(PointerEvent::Kind::move, enter.root_x, enter.root_y);
             return;
@@ -436,13 +502,14 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
 void X11PopoverWindow::pointer(PointerEvent::Kind kind, int rootX, int rootY, Point by) {
     isPointerInside_ = true;
     const double scale = desk_.screen.scale();
-    const PixelRect panel = panelFrame();
+    const PixelRect panel = panelOnScreen();
     content_.pointer({kind, {(rootX - panel.x) / scale, (rootY - panel.y) / scale}, by});
 }
 
 void X11PopoverWindow::pressed(const xcb_button_press_event_t& event) {
+    followPointer(event);
     // Only a held pointer brings presses from outside.
-    if (!panelFrame().contains(event.root_x, event.root_y)) {
+    if (!panelOnScreen().contains(event.root_x, event.root_y)) {
         const bool isElsewhere =
             !isWheel(event.detail) && !desk_.ownWindows.cover(event.root_x, event.root_y);
         if (isElsewhere && !desk_.outsidePresses.isAvailable()) observer_.windowPressedOutside();
@@ -452,6 +519,15 @@ void X11PopoverWindow::pressed(const xcb_button_press_event_t& event) {
         pointer(PointerEvent::Kind::press, event.root_x, event.root_y);
     } else if (isWheel(event.detail)) {
         pointer(PointerEvent::Kind::scroll, event.root_x, event.root_y, notch(event.detail));
+    }
+}
+
+// A window manager that asks to close the window means what Escape means.
+void X11PopoverWindow::told(const xcb_client_message_event_t& message) {
+    const X11Atoms& atoms = desk_.connection.atoms();
+    if (message.type == atoms.wmProtocols && message.format == 32 &&
+        message.data.data32[0] == atoms.wmDeleteWindow) {
+        observer_.windowEscapePressed();
     }
 }
 

@@ -15,7 +15,8 @@ namespace norvane {
 // A window past the window manager that takes the keyboard itself. It sees presses elsewhere without taking
 // them away from anybody; only where the server has no such events it holds the pointer while it is shown.
 // Under a compositor it is translucent, with round corners and a shadow of its own; else opaque and cut to
-// its shape. It goes along when the scale, the colours or the compositor change.
+// its shape. It goes along when the scale, the colours or the compositor change. On a Wayland compositor's
+// screen it is a dialog that the compositor gives the keyboard to, and may put elsewhere.
 class X11PopoverWindow final : public PopoverWindow {
  public:
     // Content and observer outlive the window. A call of the observer may end the window.
@@ -38,6 +39,10 @@ class X11PopoverWindow final : public PopoverWindow {
 
         bool operator==(const Extent&) const = default;
     };
+    struct Corner {
+        int x = 0;
+        int y = 0;
+    };
 
     // What is asked of the content, and what of it there is on the screen, in whole pixels.
     void measure();
@@ -49,9 +54,21 @@ class X11PopoverWindow final : public PopoverWindow {
     PixelRect windowFrame() const;
     PixelRect panelFrame() const;
     PixelRect frameOf(Extent extent) const;
+    // Where the panel really is.
+    PixelRect panelOnScreen() const;
     PopoverShape shape() const;
 
     void createWindow();
+    void describe();
+    void sayWhereItIsWanted();
+    void followPlace();
+    // What an event of the pointer says of the window's place, which window managers do not always tell.
+    template <typename Event>
+    void followPointer(const Event& event) {
+        if (!desk_.connection.hasManagedPopovers()) return;
+        putAt(event.root_x - event.event_x, event.root_y - event.event_y);
+    }
+    void putAt(int x, int y);
     void destroyWindow();
     // Has the server know about the window's place and shape. What it grows by has been painted before.
     void settle();
@@ -66,6 +83,7 @@ class X11PopoverWindow final : public PopoverWindow {
     void handle(const xcb_generic_event_t& event);
     void pointer(PointerEvent::Kind kind, int rootX, int rootY, Point by = {});
     void pressed(const xcb_button_press_event_t& event);
+    void told(const xcb_client_message_event_t& message);
     void keyPressed(const xcb_key_press_event_t& event);
     void holdPointer(int attempts);
 
@@ -80,9 +98,10 @@ class X11PopoverWindow final : public PopoverWindow {
 
     xcb_window_t window_ = XCB_NONE;
     bool isTranslucent_ = false;
-    PixelRect formed_;      // what the window was made or configured to
-    PopoverShape cut_;      // what the server was told last
-    PopoverShape painted_;  // what the pixels were finished to
+    PixelRect formed_;              // what the window was made or configured to
+    std::optional<Corner> placed_;  // where a window manager has put the window
+    PopoverShape cut_;              // what the server was told last
+    PopoverShape painted_;          // what the pixels were finished to
     X11Surface surface_;
     FrameClock frames_;
     int visibility_ = XCB_VISIBILITY_UNOBSCURED;

@@ -116,7 +116,9 @@ void X11Screen::handle(const xcb_generic_event_t& event) {
         ask({.monitors = true});
     } else if (connection_.fixes().isPresent &&
                type == connection_.fixes().firstEvent + XCB_XFIXES_SELECTION_NOTIFY) {
-        ask({.compositor = true});
+        // Other parts of ours follow other selections on the root.
+        const auto& notice = eventAs<xcb_xfixes_selection_notify_event_t>(event);
+        if (notice.selection == connection_.atoms().netWmCm) ask({.compositor = true});
     }
 }
 

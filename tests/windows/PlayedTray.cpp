@@ -1,0 +1,93 @@
+#include "PlayedTray.h"
+
+#include <array>
+
+#include "platform/linux/X11Event.h"
+#include "platform/linux/X11Reply.h"
+
+namespace norvane {
+namespace {
+
+std::array<std::uint32_t, 4> valuesOf(const PixelRect& part) {
+    return {static_cast<std::uint32_t>(part.x), static_cast<std::uint32_t>(part.y),
+            static_cast<std::uint32_t>(part.width), static_cast<std::uint32_t>(part.height)};
+}
+
+}  // namespace
+
+PlayedTray::PlayedTray(const std::string& display, xcb_visualid_t visual)
+    : program_(display), panel_(program_.open(kPanel)), owner_(program_.open({-10, -10, 1, 1})) {
+    if (visual != XCB_NONE) {
+        xcb_change_property(program_.get(), XCB_PROP_MODE_REPLACE, owner_,
+                            program_.atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID, 32, 1, &visual);
+    }
+    become(owner_);
+    announce();
+}
+
+void PlayedTray::become(xcb_window_t owner) {
+    xcb_set_selection_owner(program_.get(), owner, program_.atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
+    program_.sync();
+}
+
+void PlayedTray::announce() {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = program_.root();
+    message.type = program_.atom("MANAGER");
+    message.data.data32[1] = program_.atom("_NET_SYSTEM_TRAY_S0");
+    message.data.data32[2] = owner_;
+    xcb_send_event(program_.get(), 0, program_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    program_.sync();
+}
+
+xcb_window_t PlayedTray::asking() {
+    const xcb_atom_t opcode = program_.atom("_NET_SYSTEM_TRAY_OPCODE");
+    while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(program_.get())}) {
+        if (typeOf(*event) != XCB_CLIENT_MESSAGE) continue;
+        const auto& message = eventAs<xcb_client_message_event_t>(*event);
+        const bool asksToDock = message.type == opcode && message.data.data32[1] == 0;
+        if (asksToDock && message.window == owner_) asking_ = message.data.data32[2];
+    }
+    return asking_;
+}
+
+void PlayedTray::embed(xcb_window_t item, const PixelRect& part) {
+    // As real ones do: so that the item survives its panel.
+    xcb_change_save_set(program_.get(), XCB_SET_MODE_INSERT, item);
+    xcb_reparent_window(program_.get(), item, panel_, static_cast<std::int16_t>(part.x),
+                        static_cast<std::int16_t>(part.y));
+    const auto values = valuesOf(part);
+    xcb_configure_window(program_.get(), item, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         values.data() + 2);
+    xcb_map_window(program_.get(), item);
+    program_.sync();
+}
+
+void PlayedTray::give(xcb_window_t item, const PixelRect& part) {
+    xcb_configure_window(
+        program_.get(), item,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+        valuesOf(part).data());
+    program_.sync();
+}
+
+void PlayedTray::dismiss(xcb_window_t item) {
+    xcb_unmap_window(program_.get(), item);
+    xcb_reparent_window(program_.get(), item, program_.root(), kPanel.x, kPanel.y);
+    program_.sync();
+}
+
+void PlayedTray::slide(int x, int y) {
+    xcb_configure_window(program_.get(), panel_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                         valuesOf({x, y, 0, 0}).data());
+    program_.sync();
+}
+
+void PlayedTray::close() {
+    program_.close(owner_);
+}
+
+}  // namespace norvane
