@@ -3,15 +3,17 @@
 
 #include <cstdlib>
 #include <memory>
+#include <variant>
 
 #include "MadeProcessors.h"
 #include "platform/linux/LinuxMachine.h"
 #include "shell/NorvaneApp.h"
 
 int main() {
-    const std::unique_ptr<norvane::LinuxMachine> machine = norvane::LinuxMachine::open();
-    if (!machine) return EXIT_FAILURE;
-    const norvane::Platform real = machine->platform();
+    const auto opened = norvane::LinuxMachine::open();
+    const auto* const machine = std::get_if<std::unique_ptr<norvane::LinuxMachine>>(&opened);
+    if (machine == nullptr) return EXIT_FAILURE;
+    const norvane::Platform real = (*machine)->platform();
     norvane::MadeProcessors processors(real.hostPort, real.sysctl);
     const norvane::Platform made{real.wallClock,      real.monotonicClock,
                                  real.dispatch,       processors,
@@ -25,5 +27,5 @@ int main() {
                                  real.windowServer,   real.application};
     norvane::NorvaneApp application(made);
     application.launch();
-    return machine->run();
+    return (*machine)->run();
 }

@@ -2,16 +2,20 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <variant>
 
 #include "platform/linux/LinuxMachine.h"
 #include "shell/NorvaneApp.h"
 
 int main() try {
-    const std::unique_ptr<norvane::LinuxMachine> machine = norvane::LinuxMachine::open();
-    if (!machine) {
+    using norvane::LinuxMachine;
+    const auto opened = LinuxMachine::open();
+    if (const auto* const failure = std::get_if<LinuxMachine::Failure>(&opened)) {
+        if (*failure == LinuxMachine::Failure::runningAlready) return EXIT_SUCCESS;
         std::fputs("Norvane: there is no X display to show itself on.\n", stderr);
         return EXIT_FAILURE;
     }
+    LinuxMachine* const machine = std::get<std::unique_ptr<LinuxMachine>>(opened).get();
     norvane::NorvaneApp application(machine->platform());
     application.launch();
     return machine->run();

@@ -40,6 +40,7 @@ Element MenuBarStatsView::body() const {
     const Texts now = texts();
     if (isSquare_) {
         return vstack({}, row(now.cpu, "CPU"), row(now.ram, "RAM"))
+            .padding(Insets::horizontal(1.5))
             .frame({.maxWidth = Proposal::kMost, .maxHeight = Proposal::kMost});
     }
     // The item keeps its width whatever the digits: a row that is wider is narrowed, never cropped.

@@ -37,8 +37,8 @@ void DesktopTest::connect(const X11Connection::Uses& uses) {
     windowServer_.reset();
     connection_ = X11Connection::open(xvfb_.display().c_str(), uses);
     ASSERT_NE(connection_, nullptr);
-    windowServer_ =
-        std::make_unique<X11WindowServer>(*connection_, layouts_, appearance_, clock_, mainQueue_);
+    windowServer_ = std::make_unique<X11WindowServer>(*connection_, sessionBus_, systemBus_, layouts_,
+                                                      appearance_, clock_, mainQueue_);
 }
 
 void DesktopTest::waitForTheServer() const {

@@ -20,6 +20,7 @@ namespace norvane {
 class SwitchedAppearance final : public Appearance {
  public:
     bool isDark() const override { return isDark_; }
+    std::optional<Color> accentColor() const override { return std::nullopt; }
     Cancellation onDidChange(std::function<void()> observer) override {
         return changed_.add(std::move(observer));
     }
@@ -59,6 +60,9 @@ class DesktopTest : public ::testing::Test {
     std::unique_ptr<Bystander> bystander_;
     LinuxMonotonicClock clock_;
     LinuxMainQueue mainQueue_;
+    // There is none.
+    BusConnection sessionBus_{mainQueue_, ""};
+    BusConnection systemBus_{mainQueue_, ""};
     SwitchedAppearance appearance_;
     TextLayouts layouts_;
     std::unique_ptr<X11Connection> connection_;

@@ -21,7 +21,7 @@ std::string textOf(const std::string& path) {
 
 }  // namespace
 
-Program::Program(const std::string& display, bool hasSeenWelcome) {
+Program::Program(const std::string& display, bool hasSeenWelcome, const std::string& sessionBus) {
     std::string pattern = std::filesystem::temp_directory_path() / "norvane-program-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) return;
     folder_ = pattern;
@@ -41,7 +41,11 @@ Program::Program(const std::string& display, bool hasSeenWelcome) {
         setenv("DISPLAY", display.c_str(), 1);
     }
     setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    if (sessionBus.empty()) {
+        unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    } else {
+        setenv("DBUS_SESSION_BUS_ADDRESS", sessionBus.c_str(), 1);
+    }
     unsetenv("XDG_RUNTIME_DIR");
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "", 1);  // none, rather than the machine's
     execl(NORVANE_BINARY_DIR "/norvane", "norvane", nullptr);

@@ -6,12 +6,13 @@
 
 namespace norvane {
 
-// The real program, running on a display with preferences of its own and no session bus. It ends, at the
-// latest, when this goes away.
+// The real program, running on a display with preferences of its own and no other bus than it is given. It
+// ends, at the latest, when this goes away.
 class Program {
  public:
     // An empty display is none at all. Its user has been welcomed before, or starts it for the first time.
-    explicit Program(const std::string& display, bool hasSeenWelcome = true);
+    explicit Program(const std::string& display, bool hasSeenWelcome = true,
+                     const std::string& sessionBus = {});
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;

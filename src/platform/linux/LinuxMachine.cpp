@@ -4,15 +4,21 @@
 
 namespace norvane {
 
-std::unique_ptr<LinuxMachine> LinuxMachine::open() {
+std::variant<std::unique_ptr<LinuxMachine>, LinuxMachine::Failure> LinuxMachine::open() {
     auto connection = X11Connection::open();
-    if (!connection) return nullptr;
-    return std::unique_ptr<LinuxMachine>(new LinuxMachine(std::move(connection)));
+    if (!connection) return Failure::noDisplay;
+    auto instance = X11SingleInstance::claim(*connection);
+    if (!instance) return Failure::runningAlready;
+    return std::unique_ptr<LinuxMachine>(new LinuxMachine(std::move(connection), std::move(instance)));
 }
 
-LinuxMachine::LinuxMachine(std::unique_ptr<X11Connection> connection)
+LinuxMachine::LinuxMachine(std::unique_ptr<X11Connection> connection,
+                           std::unique_ptr<X11SingleInstance> instance)
     : connection_(std::move(connection)),
-      windowServer_(*connection_, textLayouts_, appearance_, monotonicClock_, dispatch_.mainQueue()) {
+      instance_(std::move(instance)),
+      windowServer_(*connection_, sessionBus_, systemBus_, textLayouts_, appearance_, monotonicClock_,
+                    dispatch_.mainQueue()) {
+    instance_->setReopenHandler([this] { application_.reopen(); });
     dispatch_.keep(kernel_);
     // Without its display there is nobody to show anything to.
     connection_->setEndHandler([this] { application_.terminate(); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <variant>
 
 #include "platform/linux/BusConnection.h"
 #include "platform/linux/LinuxAppearance.h"
@@ -21,6 +22,7 @@
 #include "platform/linux/TextLayouts.h"
 #include "platform/linux/ThreadLane.h"
 #include "platform/linux/X11Connection.h"
+#include "platform/linux/X11SingleInstance.h"
 #include "platform/linux/X11WindowServer.h"
 #include "platform/Platform.h"
 
@@ -30,8 +32,11 @@ namespace norvane {
 // any other thread.
 class LinuxMachine {
  public:
-    // Null where there is no display to show anything on.
-    static std::unique_ptr<LinuxMachine> open();
+    enum class Failure {
+        noDisplay,       // to show anything on
+        runningAlready,  // on this display; the one that runs shows itself now
+    };
+    static std::variant<std::unique_ptr<LinuxMachine>, Failure> open();
 
     Platform platform();
     // Runs the main loop until the application is terminated or the display goes away; gives the process'
@@ -39,7 +44,7 @@ class LinuxMachine {
     int run() { return application_.run(); }
 
  private:
-    explicit LinuxMachine(std::unique_ptr<X11Connection> connection);
+    LinuxMachine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11SingleInstance> instance);
 
     LinuxWallClock wallClock_;
     LinuxMonotonicClock monotonicClock_;
@@ -62,6 +67,7 @@ class LinuxMachine {
     LinuxMainBundle mainBundle_;
     LinuxAppearance appearance_{sessionBus_};
     std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<X11SingleInstance> instance_;
     TextLayouts textLayouts_;
     PangoTextRuler textRuler_{textLayouts_};
     X11WindowServer windowServer_;

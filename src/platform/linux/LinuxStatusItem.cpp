@@ -2,40 +2,55 @@
 
 namespace norvane {
 
-LinuxStatusItem::LinuxStatusItem(double length, const MakeHost& makeHost) : length_(length) {
-    setHost(makeHost);
+LinuxStatusItem::LinuxStatusItem(const Desk& desk, BusConnection& sessionBus, double length)
+    : hosts_(desk, sessionBus,
+             {.clicked = [this] { clicked(); },
+              .changed = [this] { hostChanged(); },
+              .placed = [this] { hostPlaced(); }}) {
+    hosts_.setLength(length);
 }
 
-void LinuxStatusItem::setHost(const MakeHost& makeHost) {
-    host_.reset();  // gives the content up before the next one takes it
-    host_ = makeHost([this] {
-        // The action may end the item.
-        if (const auto action = action_) action();
-    });
-    host_->setLength(length_);
-    host_->setContent(content_);
-    host_->setToolTip(toolTip_);
-    host_->setContextMenu(menu_);
+// The action may end the item.
+void LinuxStatusItem::clicked() const {
+    if (const auto action = action_) action();
 }
 
-void LinuxStatusItem::setLength(double points) {
-    length_ = points;
-    host_->setLength(points);
+void LinuxStatusItem::hostChanged() {
+    hasButton_ = false;
+    StatusItemHost* const host = hosts_.host();
+    if (host == nullptr) return;
+    host->setContent(content_);
+    host->setToolTip(toolTip_);
+    host->setContextMenu(menu_);
+}
+
+void LinuxStatusItem::hostPlaced() {
+    if (!std::exchange(hasButton_, true)) appeared_.tell();
 }
 
 void LinuxStatusItem::setContent(SurfaceContent* content) {
     content_ = content;
-    host_->setContent(content);
+    if (StatusItemHost* const host = hosts_.host()) host->setContent(content);
 }
 
 void LinuxStatusItem::setToolTip(const std::string& text) {
     toolTip_ = text;
-    host_->setToolTip(text);
+    if (StatusItemHost* const host = hosts_.host()) host->setToolTip(text);
 }
 
 void LinuxStatusItem::setContextMenu(std::vector<StatusMenuItem> items) {
     menu_ = std::move(items);
-    host_->setContextMenu(menu_);
+    if (StatusItemHost* const host = hosts_.host()) host->setContextMenu(menu_);
+}
+
+std::optional<Rect> LinuxStatusItem::buttonFrame() const {
+    const StatusItemHost* const host = hosts_.host();
+    return host != nullptr ? host->buttonFrame() : std::nullopt;
+}
+
+bool LinuxStatusItem::knowsItsPresses() const {
+    const StatusItemHost* const host = hosts_.host();
+    return host == nullptr || host->knowsItsPresses();
 }
 
 }  // namespace norvane

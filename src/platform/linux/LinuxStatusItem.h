@@ -1,9 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <string>
+#include <vector>
 
-#include "platform/linux/StatusItemHost.h"
+#include "platform/linux/StatusItemHosts.h"
 #include "platform/Observers.h"
 #include "platform/StatusItem.h"
 
@@ -12,32 +13,32 @@ namespace norvane {
 // The status item, whatever carries it at the moment: it remembers what it was told, and tells each host.
 class LinuxStatusItem final : public StatusItem {
  public:
-    using MakeHost = std::function<std::unique_ptr<StatusItemHost>(std::function<void()> clicked)>;
+    // Both outlive the item.
+    LinuxStatusItem(const Desk& desk, BusConnection& sessionBus, double length);
 
-    LinuxStatusItem(double length, const MakeHost& makeHost);
-
-    // Moves the item to another host.
-    void setHost(const MakeHost& makeHost);
-
-    void setLength(double points) override;
+    void setLength(double points) override { hosts_.setLength(points); }
     void setContent(SurfaceContent* content) override;
     void setAction(std::function<void()> action) override { action_ = std::move(action); }
     void setToolTip(const std::string& text) override;
     void setContextMenu(std::vector<StatusMenuItem> items) override;
-    std::optional<Rect> buttonFrame() const override { return host_->buttonFrame(); }
+    std::optional<Rect> buttonFrame() const override;
     Cancellation onButtonDidAppear(std::function<void()> observer) override {
         return appeared_.add(std::move(observer));
     }
-    bool knowsItsPresses() const override { return host_->knowsItsPresses(); }
+    bool knowsItsPresses() const override;
 
  private:
-    double length_;
+    void clicked() const;
+    void hostChanged();
+    void hostPlaced();
+
     SurfaceContent* content_ = nullptr;
     std::function<void()> action_;
     std::string toolTip_;
     std::vector<StatusMenuItem> menu_;
+    bool hasButton_ = false;
     Observers<> appeared_;
-    std::unique_ptr<StatusItemHost> host_;
+    StatusItemHosts hosts_;
 };
 
 }  // namespace norvane

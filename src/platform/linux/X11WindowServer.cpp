@@ -3,15 +3,18 @@
 #include <utility>
 
 #include "platform/linux/LinuxStatusItem.h"
-#include "platform/linux/StripHost.h"
 #include "platform/linux/X11PopoverWindow.h"
 
 namespace norvane {
 
-X11WindowServer::X11WindowServer(X11Connection& connection, TextLayouts& layouts, Appearance& appearance,
+X11WindowServer::X11WindowServer(X11Connection& connection, BusConnection& sessionBus,
+                                 BusConnection& systemBus, TextLayouts& layouts, Appearance& appearance,
                                  const MonotonicClock& clock, MainQueue& mainQueue)
     : screen_(connection),
-      light_(connection, clock, mainQueue),
+      sessionBus_(sessionBus),
+      lock_(sessionBus, systemBus),
+      display_(connection, clock, mainQueue),
+      light_(lock_, display_),
       outsidePresses_(connection, ownWindows_),
       keyboard_(connection),
       memory_(layouts, mainQueue),
@@ -19,9 +22,7 @@ X11WindowServer::X11WindowServer(X11Connection& connection, TextLayouts& layouts
             layouts,    memory_, appearance, clock,       mainQueue} {}
 
 std::unique_ptr<StatusItem> X11WindowServer::statusItemWithLength(double points) {
-    return std::make_unique<LinuxStatusItem>(points, [this](std::function<void()> clicked) {
-        return std::make_unique<StripHost>(desk_, std::move(clicked));
-    });
+    return std::make_unique<LinuxStatusItem>(desk_, sessionBus_, points);
 }
 
 std::unique_ptr<PopoverWindow> X11WindowServer::makePopoverWindow(SurfaceContent& content,

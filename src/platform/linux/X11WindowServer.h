@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/linux/BusConnection.h"
 #include "platform/linux/Desk.h"
+#include "platform/linux/LockedScreenLight.h"
+#include "platform/linux/SessionLock.h"
 #include "platform/linux/X11ScreenLight.h"
 #include "platform/WindowServer.h"
 
@@ -10,8 +13,9 @@ namespace norvane {
 class X11WindowServer final : public WindowServer {
  public:
     // All parts outlive it.
-    X11WindowServer(X11Connection& connection, TextLayouts& layouts, Appearance& appearance,
-                    const MonotonicClock& clock, MainQueue& mainQueue);
+    X11WindowServer(X11Connection& connection, BusConnection& sessionBus, BusConnection& systemBus,
+                    TextLayouts& layouts, Appearance& appearance, const MonotonicClock& clock,
+                    MainQueue& mainQueue);
 
     std::unique_ptr<StatusItem> statusItemWithLength(double points) override;
     std::unique_ptr<PopoverWindow> makePopoverWindow(SurfaceContent& content,
@@ -19,7 +23,10 @@ class X11WindowServer final : public WindowServer {
 
  private:
     X11Screen screen_;
-    X11ScreenLight light_;
+    BusConnection& sessionBus_;
+    SessionLock lock_;
+    X11ScreenLight display_;
+    LockedScreenLight light_;
     OwnWindows ownWindows_;
     OutsidePresses outsidePresses_;
     Keyboard keyboard_;

@@ -1,0 +1,68 @@
+#include "DesktopTest.h"
+#include "platform/StatusItem.h"
+#include "PlayedTray.h"
+
+namespace norvane {
+namespace {
+
+constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
+
+// The item on a screen without a window manager and without a bus: in a strip at once, and in a tray as soon
+// as there is one.
+class StatusItemTest : public DesktopTest {
+ protected:
+    void SetUp() override {
+        DesktopTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) return;
+        item_ = windowServer_->statusItemWithLength(54);
+        appeared_ = item_->onButtonDidAppear([this] { ++appearances_; });
+    }
+    void TearDown() override {
+        appeared_.cancel();
+        item_.reset();
+        DesktopTest::TearDown();
+    }
+    // At which the item counts as being.
+    bool comesTo(const PixelRect& place) {
+        return comes([&] { return item_->buttonFrame() == place.inPoints(1); });
+    }
+    bool hasStrip() const { return bystander_->windowAt(kStrip).has_value(); }
+
+    std::unique_ptr<StatusItem> item_;
+    int appearances_ = 0;
+    Cancellation appeared_;
+};
+
+TEST_F(StatusItemTest, GoesIntoATrayAndBackIntoTheStripAndIsNeverInBoth) {
+    ASSERT_TRUE(comesTo(kStrip));
+    ASSERT_TRUE(comes([&] { return hasStrip(); }));
+    for (const PixelRect& part : {PixelRect{10, 9, 54, 22}, PixelRect{10, 9, 22, 22}}) {
+        PlayedTray tray(xvfb_.display());
+        ASSERT_TRUE(comes([&] { return tray.asking() != XCB_NONE; }));
+        EXPECT_FALSE(hasStrip());
+        EXPECT_EQ(item_->buttonFrame(), std::nullopt) << "not before it is taken in";
+        const int before = appearances_;
+        tray.embed(tray.asking(), part);
+        EXPECT_TRUE(comesTo(part.moved(PlayedTray::kPanel.x, PlayedTray::kPanel.y))) << "narrow or wide";
+        EXPECT_TRUE(comes([&] { return appearances_ == before + 1; }));
+        EXPECT_FALSE(hasStrip());
+        tray.close();
+        tray.dismiss(tray.asking());
+        EXPECT_TRUE(comes([&] { return hasStrip(); }));
+        EXPECT_TRUE(comesTo(kStrip));
+    }
+}
+
+TEST_F(StatusItemTest, ATrayThatTakesNobodyInIsLeftAlone) {
+    PlayedTray tray(xvfb_.display());
+    ASSERT_TRUE(comes([&] { return tray.asking() != XCB_NONE; }));
+    EXPECT_TRUE(comes([&] { return hasStrip(); })) << "two seconds later";
+    const xcb_window_t asked = tray.asking();
+    item_->setLength(StatusItem::kSquareLength);
+    turn(std::chrono::milliseconds(300));
+    EXPECT_EQ(tray.asking(), asked) << "and not asked again";
+    EXPECT_TRUE(item_->knowsItsPresses());
+}
+
+}  // namespace
+}  // namespace norvane
