@@ -31,7 +31,7 @@ class SlidingGraphNode final : public Node {
     }
 
     void take(Node* before, Update& update) override {
-        isDark_ = &update.palette == &Palette::dark();
+        isDark_ = update.palette.isDark();
         if (before == nullptr) return;
         auto& last = *static_cast<SlidingGraphNode*>(before);
         graphOffset_ = last.graphOffset_;

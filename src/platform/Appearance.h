@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
+#include "drawing/Color.h"
 #include "platform/Cancellation.h"
 
 namespace norvane {
@@ -13,6 +15,10 @@ class Appearance {
 
     // `effectiveAppearance` is the dark one. False while nothing is known.
     virtual bool isDark() const = 0;
+    // The colour that the user has chosen for what stands out, opaque. None where nobody chose one, or
+    // nothing is known of it.
+    virtual std::optional<Color> accentColor() const = 0;
+    // Told of every change of what is above.
     [[nodiscard]] virtual Cancellation onDidChange(std::function<void()> observer) = 0;
 };
 

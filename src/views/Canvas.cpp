@@ -1,6 +1,7 @@
 #include "views/Canvas.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "views/SceneBuilder.h"
@@ -34,12 +35,12 @@ class KeptCanvasNode final : public Node {
         if (before != nullptr) kept_ = static_cast<KeptCanvasNode*>(before)->kept_;
     }
     void paint(SceneBuilder& scene, const Rect& frame) const override {
-        if (kept_ == nullptr || palette_ != &scene.palette() || kept_->size != frame.size) {
+        if (kept_ == nullptr || palette_ != scene.palette() || kept_->size != frame.size) {
             DisplayList drawn = scene.captured(frame.size, [&] { draw_(scene, {{}, frame.size}); });
             // The same list goes on, so that whoever has painted it need not do so again.
             if (kept_ == nullptr || *kept_ != drawn)
                 kept_ = std::make_shared<const DisplayList>(std::move(drawn));
-            palette_ = &scene.palette();
+            palette_ = scene.palette();
         }
         scene.picture(kept_, frame.origin, Snapping::toPixels);
     }
@@ -47,7 +48,7 @@ class KeptCanvasNode final : public Node {
  private:
     std::function<void(SceneBuilder&, const Rect&)> draw_;
     mutable std::shared_ptr<const DisplayList> kept_;  // null before it is first painted
-    mutable const Palette* palette_ = nullptr;  // for which this node has painted it; null for none yet
+    mutable std::optional<Palette> palette_;  // for which this node has painted it; none yet if empty
 };
 
 }  // namespace

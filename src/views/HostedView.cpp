@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "views/ComponentNode.h"
-#include "views/Palette.h"
 #include "views/SceneBuilder.h"
 
 namespace norvane {
@@ -107,8 +106,12 @@ void HostedView::evaluate() {
     }
 }
 
+Palette HostedView::palette() const {
+    return Palette::of(appearance_.isDark(), appearance_.accentColor());
+}
+
 Update HostedView::updateBy(const std::optional<Animation>& animation) {
-    return {*this, Palette::of(appearance_.isDark()), now(), isOnScreen_ && !isAppearDue_, animation};
+    return {*this, palette(), now(), isOnScreen_ && !isAppearDue_, animation};
 }
 
 void HostedView::flush() {
@@ -200,7 +203,7 @@ DisplayList HostedView::displayList(Size size, MonotonicInstant at) {
 
 Scene HostedView::sceneAt(MonotonicInstant at, bool isTold) {
     const Size size = root_.node ? root_.node->sizeAt(at) : size_;
-    SceneBuilder builder(Palette::of(appearance_.isDark()), size, at, attention_,
+    SceneBuilder builder(palette(), size, at, attention_,
                          isTold ? SceneBuilder::Purpose::accessibleTree : SceneBuilder::Purpose::picture,
                          edition_);
     if (root_.node) builder.child(root_);

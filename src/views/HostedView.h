@@ -12,6 +12,7 @@
 #include "platform/SurfaceContent.h"
 #include "views/Attention.h"
 #include "views/Element.h"
+#include "views/Palette.h"
 #include "views/Scene.h"
 #include "views/Update.h"
 #include "views/ViewHost.h"
@@ -69,6 +70,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     void evaluate();
     void flush();
     void appearAll();
+    Palette palette() const;
     Update updateBy(const std::optional<Animation>& animation);
     Size fitted();
     void layOut(Size size);

@@ -1,5 +1,7 @@
 #include "views/Palette.h"
 
+#include "views/AccentTone.h"
+
 namespace norvane {
 namespace {
 
@@ -58,17 +60,8 @@ constexpr InkTones tonesOf(Ink ink) {
 
 }  // namespace
 
-const Palette& Palette::light() {
-    static const Palette palette(false);
-    return palette;
-}
-
-const Palette& Palette::dark() {
-    static const Palette palette(true);
-    return palette;
-}
-
 Color Palette::color(Ink ink) const {
+    if (ink == Ink::controlAccentColor && accent_) return accentTone(*accent_, isDark_);
     const InkTones tones = tonesOf(ink);
     return isDark_ ? tones.dark : tones.light;
 }

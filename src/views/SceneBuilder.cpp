@@ -138,7 +138,7 @@ void SceneBuilder::present(const Child& child, double presence) {
 
 StillScene::Situation SceneBuilder::situation() const {
     return {.edition = edition_,
-            .palette = &palette_,
+            .palette = palette_,
             .origin = origin_,
             .scaleX = transform_.scaleX,
             .scaleY = transform_.scaleY,

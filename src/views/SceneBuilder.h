@@ -200,7 +200,7 @@ class SceneBuilder {
     Fill transformed(const Fill& fill) const;
     double scale() const { return std::min(transform_.scaleX, transform_.scaleY); }
 
-    const Palette& palette_;
+    const Palette palette_;
     const MonotonicInstant now_;
     const Attention& attention_;
     Scene scene_;

@@ -20,7 +20,7 @@ class Update {
         : host(viewHost), palette(tones), now(at), isOnScreen(onScreen), animation(std::move(movement)) {}
 
     ViewHost& host;
-    const Palette& palette;
+    const Palette palette;
     const MonotonicInstant now;
     // What is new in the tree appears at once. Otherwise the whole tree will, when it is shown.
     const bool isOnScreen;

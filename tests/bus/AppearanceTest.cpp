@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <gio/gio.h>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -49,6 +50,7 @@ class Portal {
         g_dbus_connection_close_sync(connection_, nullptr, nullptr);
         g_object_unref(connection_);
         g_variant_unref(value_);
+        if (accent_ != nullptr) g_variant_unref(accent_);
     }
     Portal(const Portal&) = delete;
     Portal& operator=(const Portal&) = delete;
@@ -59,6 +61,8 @@ class Portal {
                                       g_variant_new("(ssv)", group, key, value), nullptr);
     }
     void emitColorScheme(GVariant* value) { emit("org.freedesktop.appearance", "color-scheme", value); }
+    void emitAccentColor(GVariant* value) { emit("org.freedesktop.appearance", "accent-color", value); }
+    void setAccentColor(GVariant* value) { accent_ = g_variant_ref_sink(value); }
     void answerAll() {
         for (GDBusMethodInvocation* const each : unanswered_)
             answer(each);
@@ -67,6 +71,7 @@ class Portal {
 
     int readOneCalls = 0;
     int readCalls = 0;
+    int accentCalls = 0;
 
  private:
     void callBus(const char* method, GVariant* parameters) {
@@ -80,12 +85,10 @@ class Portal {
                        GVariant* parameters, GDBusMethodInvocation* invocation, gpointer portal) {
         auto& self = *static_cast<Portal*>(portal);
         const gchar* group = nullptr;
-        const gchar* key = nullptr;
-        g_variant_get(parameters, "(&s&s)", &group, &key);
+        g_variant_get_child(parameters, 0, "&s", &group);
         EXPECT_STREQ(group, "org.freedesktop.appearance");
-        EXPECT_STREQ(key, "color-scheme");
         const bool isReadOne = std::string_view(method) == "ReadOne";
-        ++(isReadOne ? self.readOneCalls : self.readCalls);
+        ++(!isScheme(parameters) ? self.accentCalls : isReadOne ? self.readOneCalls : self.readCalls);
         if (self.answers_ == Answers::never) {
             self.unanswered_.push_back(invocation);
         } else if (isReadOne ? self.knows_ == Knows::readOnly : self.knows_ == Knows::readOneOnly) {
@@ -96,15 +99,31 @@ class Portal {
         }
     }
 
+    static bool isScheme(GVariant* parameters) {
+        const gchar* key = nullptr;
+        g_variant_get_child(parameters, 1, "&s", &key);
+        const bool isScheme = std::string_view(key) == "color-scheme";
+        EXPECT_TRUE(isScheme || std::string_view(key) == "accent-color") << key;
+        return isScheme;
+    }
+
     void answer(GDBusMethodInvocation* invocation) {
         const std::string_view method = g_dbus_method_invocation_get_method_name(invocation);
-        GVariant* const value = method == "Read" ? g_variant_new_variant(value_) : value_;
+        GVariant* const set =
+            isScheme(g_dbus_method_invocation_get_parameters(invocation)) ? value_ : accent_;
+        if (set == nullptr) {
+            g_dbus_method_invocation_return_dbus_error(invocation, "org.freedesktop.portal.Error.NotFound",
+                                                       "no such setting");
+            return;
+        }
+        GVariant* const value = method == "Read" ? g_variant_new_variant(set) : set;
         g_dbus_method_invocation_return_value(invocation, g_variant_new("(v)", value));
     }
 
     const Knows knows_;
     const Answers answers_;
     GVariant* const value_;
+    GVariant* accent_ = nullptr;  // the portal knows no such setting
     GDBusConnection* connection_ = nullptr;
     std::vector<GDBusMethodInvocation*> unanswered_;
 };
@@ -185,6 +204,56 @@ TEST_F(AppearanceTest, FollowsTheSettingAndNothingElse) {
     portal.emitColorScheme(g_variant_new_string("dark"));
     EXPECT_TRUE(runUntil([&] { return !appearance.isDark(); })) << "no number is no preference";
     EXPECT_EQ(told, 4);
+}
+
+GVariant* color(double red, double green, double blue) {
+    return g_variant_new("(ddd)", red, green, blue);
+}
+
+TEST_F(AppearanceTest, HasTheAccentColourOfEachPortalThatComes) {
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus);
+    int told = 0;
+    const auto subscription = appearance.onDidChange([&] { ++told; });
+    EXPECT_EQ(appearance.accentColor(), std::nullopt);
+    for (const auto knows : {Portal::Knows::readOneOnly, Portal::Knows::readOnly}) {
+        const double red = knows == Portal::Knows::readOnly ? 1 : 0;
+        Portal portal(address, knows, Portal::Answers::atOnce, scheme(2));
+        portal.setAccentColor(color(red, 0.5, 1));
+        EXPECT_TRUE(runUntil([&] { return appearance.accentColor() == Color{red, 0.5, 1, 1}; }));
+    }
+    EXPECT_EQ(told, 2);
+    const Portal without(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(2));
+    EXPECT_TRUE(runUntil([&] { return !appearance.accentColor(); })) << "that portal has no such setting";
+    EXPECT_EQ(told, 3);
+}
+
+TEST_F(AppearanceTest, FollowsTheAccentColourAndTakesNoGarbageForOne) {
+    Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(1));
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus);
+    ASSERT_TRUE(runUntil([&] { return appearance.isDark() && portal.accentCalls == 1; }));
+    int told = 0;
+    const auto subscription = appearance.onDidChange([&] { ++told; });
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const double endless = std::numeric_limits<double>::infinity();
+    const Color black{0, 0, 0, 1};
+    for (GVariant* const unset :
+         {color(-1, -1, -1), color(0.5, 0.5, 1.001), color(0, -0.001, 0), color(none, 0, 0),
+          color(0, none, 0), color(0, 0, none), color(endless, 0, 0), scheme(1), g_variant_new_string("blue"),
+          g_variant_new("(dd)", 0.1, 0.2), g_variant_new("(uuu)", 1, 1, 1)}) {
+        g_variant_ref_sink(unset);
+        gchar* const text = g_variant_print(unset, TRUE);
+        portal.emitAccentColor(color(0, 0, 0));
+        portal.emitAccentColor(color(0, 0, 0));
+        EXPECT_TRUE(runUntil([&] { return appearance.accentColor() == black; })) << text;
+        portal.emitAccentColor(unset);
+        EXPECT_TRUE(runUntil([&] { return !appearance.accentColor(); })) << text;
+        EXPECT_EQ(std::exchange(told, 0), 2) << text;
+        g_free(text);
+        g_variant_unref(unset);
+    }
+    EXPECT_TRUE(appearance.isDark());
 }
 
 TEST_F(AppearanceTest, IsLightWhileThePortalDoesNotAnswerAndTakesALateAnswer) {

@@ -1,15 +1,16 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/Appearance.h"
 #include "platform/linux/BusConnection.h"
 
 namespace norvane {
 
-// The colour scheme that the desktop portal tells ("XDG Desktop Portal", org.freedesktop.portal.Settings).
-// Light until it has told one, however late that is, and for ever where there is no bus, no portal or no
-// answer. Nothing here waits.
+// The colour scheme and the accent colour that the desktop portal tells ("XDG Desktop Portal",
+// org.freedesktop.portal.Settings). Light and without an accent until it has told them, however late that is,
+// and for ever where there is no bus, no portal or no answer. Nothing here waits.
 class LinuxAppearance final : public Appearance {
  public:
     // Main thread. The session bus, which outlives this.
@@ -19,6 +20,7 @@ class LinuxAppearance final : public Appearance {
     LinuxAppearance& operator=(const LinuxAppearance&) = delete;
 
     bool isDark() const override;
+    std::optional<Color> accentColor() const override;
     [[nodiscard]] Cancellation onDidChange(std::function<void()> observer) override;
 
  private:
