@@ -35,7 +35,7 @@ class StatusItem {
     virtual void setContextMenu(std::vector<StatusMenuItem> items) = 0;
     // Where the button is, in points of the screen; none without a button.
     virtual std::optional<Rect> buttonFrame() const = 0;
-    // Told when there is a button where there was none.
+    // Told when there is a button where there was none, or one in another place.
     [[nodiscard]] virtual Cancellation onButtonDidAppear(std::function<void()> observer) = 0;
     // Whether a press on the button is known to be one from the start. Where a panel tells of it afterwards,
     // popovers have taken it for a press outside before the action is called.

@@ -14,10 +14,14 @@ NorvaneApp::NorvaneApp(const Platform& platform)
 void NorvaneApp::launch() {
     delegate_.applicationDidFinishLaunching();
     StatusBarController* const controller = delegate_.statusBarController();
-    controller->setContextMenu({{"Open", [controller] { controller->showDashboard(); }},
+    const auto open = [this, controller] {
+        if (settings_) settings_->performClose();
+        controller->showDashboard();
+    };
+    controller->setContextMenu({{"Open", open},
                                 {"Settings", [this] { showSettings(); }},
                                 {"Quit", [this] { platform_.application.terminate(); }}});
-    reopening_ = platform_.application.onReopen([controller] { controller->showDashboard(); });
+    reopening_ = platform_.application.onReopen(open);
     // Well after the first paint and the first tick.
     warmUp_ =
         platform_.dispatch.mainQueue().after(std::chrono::milliseconds(500), [this] { cpuHardwareInfo(); });

@@ -170,7 +170,10 @@ void StatusBarController::switchMenuBarMode(MenuBarIconMode mode) {
 
 void StatusBarController::reopenLater(bool isSettings) {
     const auto button = statusItem_->buttonFrame();
-    if (!button) return;
+    if (!button) {
+        awaited_ = isSettings ? Awaited::settings : Awaited::dashboard;
+        return;
+    }
     const auto popover = [isSettings](StatusBarController& self) -> Popover& {
         return isSettings ? self.settingsPopover() : self.mainPopover();
     };
@@ -226,6 +229,7 @@ Popover& StatusBarController::infoPopover() {
 
 void StatusBarController::statusItemClicked() {
     if (!statusItem_->buttonFrame()) return;
+    awaited_ = Awaited::nothing;
     // A press on the item is one outside of what stands there only for the moment.
     closeSettingsAndInfo();
     if (wasJustClosedByThisClick()) return;
@@ -271,6 +275,9 @@ void StatusBarController::buttonAppeared() {
             return;
         case Awaited::dashboard:
             showDashboard();
+            return;
+        case Awaited::settings:
+            reopenLater(true);
             return;
     }
 }

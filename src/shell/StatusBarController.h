@@ -122,7 +122,7 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     PinState pin_;
     std::optional<MonotonicInstant> closed_;  // dashboard or welcome, the last time
     // Asked for while there was no button to hang from.
-    enum class Awaited { nothing, welcome, dashboard };
+    enum class Awaited { nothing, welcome, dashboard, settings };
     Awaited awaited_ = Awaited::nothing;
     // Built on first use and kept, each view before the popover that shows it.
     std::optional<MenuRootView> menuRootView_;

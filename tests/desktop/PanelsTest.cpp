@@ -54,10 +54,17 @@ class PanelsTest : public testing::Test {
         return false;
     }
 
-    // Where there is a window manager it owns this.
-    bool comesWindowManager() const {
-        return runUntil(
-            [&] { return !bystander_.numbers(bystander_.root(), "_NET_SUPPORTING_WM_CHECK").empty(); });
+    // Ready: openbox loses what is shown while it starts, and says when it has.
+    std::unique_ptr<ChildProcess> startManager(const std::string& name) const {
+        auto manager = name == "openbox"
+                           ? start({name, "--sm-disable", "--startup", "xsetroot -name started"})
+                           : start({name});
+        EXPECT_TRUE(eventually([&] {
+            return name == "openbox"
+                       ? bystander_.text(bystander_.root(), "WM_NAME") == "started"
+                       : !bystander_.numbers(bystander_.root(), "_NET_SUPPORTING_WM_CHECK").empty();
+        })) << name;
+        return manager;
     }
 
     // What carries the item: "strip", "wide", "square" in a tray, or "picture" in a panel, as many as there
@@ -141,8 +148,8 @@ TEST_F(PanelsTest, EachPanelCarriesOneItemAndGetsItBackWhenItStartsAgain) {
     for (const char* const manager : {"openbox", "xfwm4", ""}) {
         std::unique_ptr<ChildProcess> windowManager;
         if (*manager != '\0') {
-            windowManager = start({manager});
-            ASSERT_TRUE(comesWindowManager()) << manager;
+            run({"xsetroot", "-name", ""});
+            windowManager = startManager(manager);
         }
         for (const Panel& kind : kPanels) {
             SCOPED_TRACE(std::string(manager) + " " + kind.command.front());
@@ -172,8 +179,7 @@ TEST_F(PanelsTest, WithoutAPanelTheStripWaitsForOneOnlyUnderAWindowManager) {
     startProgram();
     EXPECT_TRUE(comesToBe("strip "));
     program_.reset();
-    const auto manager = start({"openbox"});
-    ASSERT_TRUE(comesWindowManager());
+    const auto manager = startManager("openbox");
     const auto begin = std::chrono::steady_clock::now();
     startProgram();
     EXPECT_TRUE(comesToBe("strip "));
@@ -181,8 +187,7 @@ TEST_F(PanelsTest, WithoutAPanelTheStripWaitsForOneOnlyUnderAWindowManager) {
 }
 
 TEST_F(PanelsTest, ANewUserIsWelcomedInAPanelThatComesLater) {
-    const auto manager = start({"xfwm4"});
-    ASSERT_TRUE(comesWindowManager());
+    const auto manager = startManager("xfwm4");
     startProgram(false);
     const auto panel = start({"xfce4-panel", "--disable-wm-check"});
     EXPECT_TRUE(comesToBe("picture ")) << items();
@@ -190,8 +195,7 @@ TEST_F(PanelsTest, ANewUserIsWelcomedInAPanelThatComesLater) {
 }
 
 TEST_F(PanelsTest, ACompositorThatComesAndGoesLeavesTheDashboardOpen) {
-    const auto manager = start({"openbox"});
-    ASSERT_TRUE(comesWindowManager());
+    const auto manager = startManager("openbox");
     const auto panel = start(kPanels[0].command);
     startProgram();
     ASSERT_TRUE(comesToBe("wide "));

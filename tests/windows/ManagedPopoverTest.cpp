@@ -98,7 +98,7 @@ TEST_F(ManagedPopoverTest, IsDismissedByTheKeyboardThatGoesByEscapeAndByBeingAsk
     askToClose();
     EXPECT_TRUE(comes([&] { return observer_.escapes == 2; }));
     bystander_->focus(other);
-    EXPECT_TRUE(comes([&] { return observer_.focusLosses == 1; }));
+    EXPECT_TRUE(comes([&] { return observer_.pressesOutside == 1; }));
     popover_->orderOut();
     waitForTheServer();
     EXPECT_EQ(bystander_->focused(), other) << "who has chosen it keeps it";
@@ -146,7 +146,7 @@ TEST_F(ManagedPopoverTest, WorksUnderAWindowManager) {
     }
     open();
     bystander_->focus(bystander_->open({600, 300, 100, 100}));
-    EXPECT_TRUE(comes([&] { return observer_.focusLosses == 1; }));
+    EXPECT_TRUE(comes([&] { return observer_.pressesOutside == 1; }));
 }
 
 }  // namespace

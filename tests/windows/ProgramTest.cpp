@@ -232,6 +232,7 @@ TEST_F(ProgramTest, EachPodOpensItsPanelAndIsRememberedAndClosesItAgain) {
 }
 
 TEST_F(ProgramTest, TheFirstStartWelcomesAndGoesOnToTheDashboard) {
+    program_.reset();  // there is one on a display
     program_ = std::make_unique<Program>(xvfb_.display(), false);
     ASSERT_TRUE(comesUp(kWelcomeWidth)) << program_->errors();
     type("Escape");

@@ -1,4 +1,9 @@
+#include <sys/socket.h>
+#include <sys/un.h>
+
 #include "DesktopTest.h"
+#include "linux/TemporaryFolder.h"
+#include "platform/linux/FileDescriptor.h"
 #include "platform/StatusItem.h"
 #include "PlayedTray.h"
 
@@ -51,6 +56,29 @@ TEST_F(StatusItemTest, GoesIntoATrayAndBackIntoTheStripAndIsNeverInBoth) {
         EXPECT_TRUE(comes([&] { return hasStrip(); }));
         EXPECT_TRUE(comesTo(kStrip));
     }
+}
+
+// In a window manager's place, so that a panel is waited for.
+TEST_F(StatusItemTest, AnIconInATrayDoesNotWaitForABusThatNeverAnswers) {
+    const std::uint32_t manages = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    xcb_change_window_attributes(bystander_->get(), bystander_->root(), XCB_CW_EVENT_MASK, &manages);
+    bystander_->sync();
+    item_.reset();
+    PlayedTray tray(xvfb_.display());
+    const TemporaryFolder folder;
+    const std::string path = folder.path() + "/bus";
+    const FileDescriptor silent(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(silent.get(), 8), 0);
+
+    BusConnection bus(mainQueue_, "unix:path=" + path);
+    X11WindowServer server(*connection_, bus, systemBus_, layouts_, appearance_, clock_, mainQueue_);
+    auto item = server.statusItemWithLength(StatusItem::kSquareLength);
+    turn(std::chrono::milliseconds(500));
+    EXPECT_EQ(tray.asking(), XCB_NONE) << "a panel might tell of something better";
+    EXPECT_TRUE(comes([&] { return tray.asking() != XCB_NONE; })) << "but not for long";
 }
 
 TEST_F(StatusItemTest, ATrayThatTakesNobodyInIsLeftAlone) {

@@ -32,14 +32,26 @@ void FrameClock::stop() {
 
 void FrameClock::fire() {
     timer_.cancel();
-    if (!light_.isLit()) {
-        lit_ = light_.onLit([this] {
-            stop();
-            paint_();
-        });
-        return;
+    if (light_.isLit()) {
+        paint_();
+    } else {
+        waitForLight();
     }
-    paint_();
+}
+
+bool FrameClock::mayPaint() {
+    if (lit_) return false;
+    if (!light_.isKnownDark()) return true;
+    stop();
+    waitForLight();
+    return false;
+}
+
+void FrameClock::waitForLight() {
+    lit_ = light_.onLit([this] {
+        stop();
+        paint_();
+    });
 }
 
 }  // namespace norvane

@@ -25,11 +25,12 @@ class FrameClock {
     // No picture is asked for until the next one has been painted.
     void stop();
 
-    // The screen is dark: no picture is worth painting until this clock asks for one.
-    bool isHeld() const { return static_cast<bool>(lit_); }
+    // Whether a picture is worth painting. On a dark screen none is until this clock asks for one.
+    bool mayPaint();
 
  private:
     void fire();
+    void waitForLight();
 
     MainQueue& mainQueue_;
     const MonotonicClock& clock_;

@@ -14,6 +14,8 @@ enum class HostKind {
 
 // What is known of the desktop at a moment.
 struct HostSituation {
+    // What carries the item now.
+    HostKind current = HostKind::none;
     // A system tray that has not failed us, and whether it has given less room than the label needs.
     bool hasTray = false;
     bool isTrayNarrow = false;
@@ -21,7 +23,7 @@ struct HostSituation {
     // The item is wider than a square.
     bool wantsWidth = false;
     bool hasWindowManager = true;
-    // A panel has had its time to come; or there is a strip already.
+    // A panel, or an answer, has had its time to come.
     bool hasWaited = false;
 };
 

@@ -24,6 +24,12 @@ LinuxMachine::LinuxMachine(std::unique_ptr<X11Connection> connection,
     connection_->setEndHandler([this] { application_.terminate(); });
 }
 
+int LinuxMachine::run() {
+    const int status = application_.run();
+    instance_.reset();  // whoever starts now is the first
+    return status;
+}
+
 Platform LinuxMachine::platform() {
     return {.wallClock = wallClock_,
             .monotonicClock = monotonicClock_,

@@ -41,7 +41,7 @@ class LinuxMachine {
     Platform platform();
     // Runs the main loop until the application is terminated or the display goes away; gives the process'
     // exit status.
-    int run() { return application_.run(); }
+    int run();
 
  private:
     LinuxMachine(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11SingleInstance> instance);

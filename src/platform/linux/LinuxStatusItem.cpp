@@ -6,7 +6,7 @@ LinuxStatusItem::LinuxStatusItem(const Desk& desk, BusConnection& sessionBus, do
     : hosts_(desk, sessionBus,
              {.clicked = [this] { clicked(); },
               .changed = [this] { hostChanged(); },
-              .placed = [this] { hostPlaced(); }}) {
+              .placed = [this] { appeared_.tell(); }}) {
     hosts_.setLength(length);
 }
 
@@ -16,16 +16,11 @@ void LinuxStatusItem::clicked() const {
 }
 
 void LinuxStatusItem::hostChanged() {
-    hasButton_ = false;
     StatusItemHost* const host = hosts_.host();
     if (host == nullptr) return;
     host->setContent(content_);
     host->setToolTip(toolTip_);
     host->setContextMenu(menu_);
-}
-
-void LinuxStatusItem::hostPlaced() {
-    if (!std::exchange(hasButton_, true)) appeared_.tell();
 }
 
 void LinuxStatusItem::setContent(SurfaceContent* content) {

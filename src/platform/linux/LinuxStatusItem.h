@@ -30,13 +30,11 @@ class LinuxStatusItem final : public StatusItem {
  private:
     void clicked() const;
     void hostChanged();
-    void hostPlaced();
 
     SurfaceContent* content_ = nullptr;
     std::function<void()> action_;
     std::string toolTip_;
     std::vector<StatusMenuItem> menu_;
-    bool hasButton_ = false;
     Observers<> appeared_;
     StatusItemHosts hosts_;
 };

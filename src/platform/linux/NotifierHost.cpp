@@ -41,7 +41,7 @@ void NotifierHost::setContent(SurfaceContent* content) {
 }
 
 void NotifierHost::contentChanged() {
-    if (!frames_.isHeld()) item_.pictureChanged();
+    if (frames_.mayPaint()) item_.pictureChanged();
 }
 
 std::vector<NotifierImage> NotifierHost::paint() {

@@ -33,7 +33,7 @@ NotifierWatch::NotifierWatch(BusConnection& sessionBus, std::chrono::millisecond
                                    .path = kPath,
                                    .interface = kWatcher,
                                    .member = "StatusNotifierHostUnregistered"},
-                                  [this](GVariant*) { ask(); });
+                                  [this](GVariant*) { ask(limit_); });
     properties_ = bus_.onSignal({.sender = kWatcher,
                                  .path = kPath,
                                  .interface = kProperties,
@@ -53,12 +53,12 @@ void NotifierWatch::connectionChanged(BusConnection::State state) {
 void NotifierWatch::begin() {
     ++generation_;
     if (state_ == State::absent) state_ = State::unknown;
-    ask();
+    ask(limit_);
     changed_.tell();
 }
 
 // Nobody is started for this: a watcher without a panel is of no use.
-void NotifierWatch::ask() {
+void NotifierWatch::ask(Limit limit) {
     question_ = bus_.call({.name = kWatcher,
                            .path = kPath,
                            .interface = kProperties,
@@ -66,9 +66,13 @@ void NotifierWatch::ask() {
                            .parameters = g_variant_new("(ss)", kWatcher, kIsHostRegistered),
                            .answerType = G_VARIANT_TYPE("(v)"),
                            .flags = G_DBUS_CALL_FLAGS_NO_AUTO_START,
-                           .limit = limit_},
-                          [this](GVariant* answer, const GError*) {
+                           .limit = limit},
+                          [this, limit](GVariant* answer, const GError* error) {
                               if (answer == nullptr) {
+                                  // A watcher that is only busy, as at login, is heard whenever it answers.
+                                  const bool isLate =
+                                      limit && g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT);
+                                  if (isLate) ask(std::nullopt);
                                   know(State::absent);
                                   return;
                               }
@@ -89,7 +93,7 @@ void NotifierWatch::propertiesChanged(GVariant* parameters) {
     const GVariantPointer invalidated(g_variant_get_child_value(parameters, 2));
     const std::unique_ptr<const gchar*, decltype(&g_free)> names(
         g_variant_get_strv(invalidated.get(), nullptr), &g_free);
-    if (g_strv_contains(names.get(), kIsHostRegistered)) ask();
+    if (g_strv_contains(names.get(), kIsHostRegistered)) ask(limit_);
 }
 
 void NotifierWatch::learn(GVariant* isHostRegistered) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 #include "platform/linux/BusConnection.h"
 #include "platform/Observers.h"
@@ -40,7 +41,8 @@ class NotifierWatch {
  private:
     void connectionChanged(BusConnection::State state);
     void begin();
-    void ask();
+    using Limit = std::optional<std::chrono::milliseconds>;
+    void ask(Limit limit);
     void propertiesChanged(GVariant* parameters);
     void learn(GVariant* isHostRegistered);
     void know(State state);

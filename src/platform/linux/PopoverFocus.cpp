@@ -88,7 +88,8 @@ void PopoverFocus::take(xcb_timestamp_t time) {
                                                           : before->focus;
     }
     time_ = time;
-    has_ = true;  // already: it may be given back before the server's word is here
+    // Already: it may be given back before the server's word is here. A managed window may well not get it.
+    has_ = !desk_.connection.hasManagedPopovers();
     xcb_set_input_focus(server, XCB_INPUT_FOCUS_POINTER_ROOT, window_, time);
 }
 

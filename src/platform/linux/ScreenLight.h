@@ -11,9 +11,11 @@ class ScreenLight {
  public:
     virtual ~ScreenLight() = default;
 
-    // Asked before each frame, and by nobody else: what it costs to know is spent while frames run.
+    // Asked before each frame of what moves: what it costs to know is spent while frames run.
     virtual bool isLit() = 0;
-    // Told when the screen, which was dark, can be seen again. Who waits for that has asked `isLit` before.
+    // Whether it is dark as far as is known without asking anybody: for what paints seldom.
+    virtual bool isKnownDark() const = 0;
+    // Told when the screen, which was dark, can be seen again. Who waits for that has asked before.
     [[nodiscard]] virtual Cancellation onLit(std::function<void()> observer) = 0;
 };
 

@@ -18,8 +18,9 @@ void SpacedTask::request() {
 
 void SpacedTask::run() {
     timer_.cancel();
-    const MonotonicInstant now = clock_.now();
-    if (run_()) ran_ = now;
+    // First, since what runs may request the next.
+    const auto before = std::exchange(ran_, clock_.now());
+    if (!run_()) ran_ = before;
 }
 
 }  // namespace norvane

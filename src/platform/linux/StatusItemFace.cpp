@@ -49,7 +49,7 @@ bool StatusItemFace::paint(const X11Surface::Form& form, std::vector<DisplayItem
         frames_.stop();
         return false;
     }
-    if (frames_.isHeld() || !surface_.isReady()) return false;
+    if (!frames_.mayPaint() || !surface_.isReady()) return false;
     surface_.prepare(form);
     const MonotonicInstant at = desk_.clock.now();
     const double scale = desk_.screen.scale();

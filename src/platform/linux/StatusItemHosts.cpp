@@ -9,13 +9,18 @@
 namespace norvane {
 namespace {
 
+using namespace std::chrono_literals;
+
 // The label's least width in a tray, in points.
 constexpr double kLeastLabel = 50;
 // A panel that starts, or ends, does so piece by piece: what it offers is looked at when nothing has changed
 // for so long.
-constexpr auto kSettled = std::chrono::milliseconds(150);
-// A tray that let us go without going itself is asked again after this time.
-constexpr auto kTryAgain = std::chrono::seconds(5);
+constexpr auto kSettled = 150ms;
+// A panel that is told of another wish has so long to follow it.
+constexpr auto kTimeToFollow = 500ms;
+// After trouble with a panel it is tried again after so long, then twice as long and so on, so many times.
+constexpr std::chrono::nanoseconds kFirstPause = 5s;
+constexpr int kMostTries = 5;
 
 }  // namespace
 
@@ -24,43 +29,55 @@ StatusItemHosts::StatusItemHosts(const Desk& desk, BusConnection& sessionBus, Ev
       sessionBus_(sessionBus),
       events_(std::move(events)),
       tray_(desk.connection),
-      notifier_(sessionBus) {
+      notifier_(sessionBus),
+      watcher_(notifier_.generation()) {
     traySeen_ = tray_.onDidChange([this] {
-        narrowTray_ = failedTray_ = XCB_NONE;
+        ++trayCount_;
+        granted_.reset();
+        received_.reset();
+        trayTrouble_ = {};
         chooseWhenSettled();
     });
-    notifierSeen_ = notifier_.onDidChange([this] { chooseWhenSettled(); });
+    notifierSeen_ = notifier_.onDidChange([this] {
+        const unsigned before = std::exchange(watcher_, notifier_.generation());
+        if (before != watcher_) notifierTrouble_ = {};
+        chooseWhenSettled();
+    });
 }
 
 void StatusItemHosts::setLength(double length) {
+    const bool wasWide = length_ && *length_ > 0;
     length_ = length;
     if (host_) host_->setLength(length);
+    // A tray that gave a square to an icon has not been asked for more.
+    if (kind_ == HostKind::tray && length > 0 && !wasWide) {
+        granted_.reset();
+        judgeWidthAfter(kTimeToFollow);
+    }
     choose();
 }
 
 void StatusItemHosts::choose() {
     if (!length_) return;  // nobody has said yet what it is for
-    const xcb_window_t tray = tray_.owner();
-    const bool hasTray = tray != XCB_NONE && tray != failedTray_;
-    const bool hasNotifier =
-        notifier_.state() == NotifierWatch::State::present && failedNotifier_ != notifier_.generation();
-    const NotifierWatch::State notifier = notifier_.state() == NotifierWatch::State::present && !hasNotifier
-                                              ? NotifierWatch::State::absent
-                                              : notifier_.state();
-    const bool isHidden = !hasTray && !hasNotifier;
-    if (!isHidden) {
+    const bool hasTray = tray_.owner() != XCB_NONE && !trayTrouble_.isNow;
+    const NotifierWatch::State notifier =
+        notifierTrouble_.isNow ? NotifierWatch::State::absent : notifier_.state();
+    const HostKind wanted = chosenHost(
+        {.current = kind_,
+         .hasTray = hasTray,
+         .isTrayNarrow = granted_ && *granted_<kLeastLabel, .notifier = notifier, .wantsWidth = *length_> 0,
+         .hasWindowManager = desk_.screen.hasWindowManager(),
+         .hasWaited = hasWaited_});
+    if (wanted == HostKind::none) {
+        if (!wait_) waitForPanel();
+    } else {
         wait_.cancel();
         hasWaited_ = false;
     }
-    const HostKind wanted = chosenHost({.hasTray = hasTray,
-                                        .isTrayNarrow = hasTray && tray == narrowTray_,
-                                        .notifier = notifier,
-                                        .wantsWidth = *length_ > 0,
-                                        .hasWindowManager = desk_.screen.hasWindowManager(),
-                                        .hasWaited = hasWaited_ || kind_ == HostKind::strip});
-    if (wanted == HostKind::none && !wait_) waitForPanel();
-    if (wanted == kind_) return;
+    const bool isOtherTray = kind_ == HostKind::tray && hostTray_ != trayCount_;
+    if (wanted == kind_ && !isOtherTray) return;
     host_.reset();  // gives its content up, and its place, before the next one takes either
+    judgement_.cancel();
     kind_ = wanted;
     host_ = make(wanted);
     if (host_) host_->setLength(*length_);
@@ -85,18 +102,25 @@ std::unique_ptr<StatusItemHost> StatusItemHosts::make(HostKind kind) {
         case HostKind::none:
             return nullptr;
         case HostKind::tray:
-            isTrayProven_ = false;
+            hostTray_ = trayCount_;
             return std::make_unique<TrayHost>(
                 desk_, tray_.owner(),
                 TrayHost::Events{.clicked = events_.clicked,
                                  .received = [this](double width) { trayReceived(width); },
-                                 .lost = [this] { trayLost(); }});
+                                 .lost =
+                                     [this] {
+                                         // The fault of a tray that has gone is not its successor's.
+                                         if (hostTray_ == trayCount_) avoid(trayTrouble_);
+                                         choose();
+                                     }});
         case HostKind::notifier:
             return std::make_unique<NotifierHost>(
                 desk_, sessionBus_, ++notifiersMade_,
-                NotifierHost::Handlers{.clicked = events_.clicked,
-                                       .registered = events_.placed,
-                                       .refused = [this] { notifierRefused(); }});
+                NotifierHost::Handlers{
+                    .clicked = events_.clicked, .registered = events_.placed, .refused = [this] {
+                        avoid(notifierTrouble_);
+                        choose();
+                    }});
         case HostKind::strip:
             return std::make_unique<StripHost>(desk_, events_.clicked);
     }
@@ -104,28 +128,26 @@ std::unique_ptr<StatusItemHost> StatusItemHosts::make(HostKind kind) {
 }
 
 void StatusItemHosts::trayReceived(double width) {
-    isTrayProven_ = true;
+    received_ = width;
     events_.placed();
-    const bool isNarrow = *length_ > 0 && width < kLeastLabel;
-    if (isNarrow == (narrowTray_ == tray_.owner())) return;
-    narrowTray_ = isNarrow ? tray_.owner() : XCB_NONE;
-    choose();
+    if (*length_ > 0) judgeWidthAfter(width < kLeastLabel ? kSettled : 0ms);
 }
 
-void StatusItemHosts::trayLost() {
-    failedTray_ = tray_.owner();
-    if (isTrayProven_ && failedTray_ != XCB_NONE) {
-        tryTrayAgain_ = desk_.mainQueue.after(kTryAgain, [this] {
-            failedTray_ = XCB_NONE;
-            choose();
-        });
-    }
-    choose();
+// Some panels lay their items out only after they have taken them in.
+void StatusItemHosts::judgeWidthAfter(std::chrono::nanoseconds pause) {
+    judgement_ = desk_.mainQueue.after(pause, [this] {
+        granted_ = received_;
+        choose();
+    });
 }
 
-void StatusItemHosts::notifierRefused() {
-    failedNotifier_ = notifier_.generation();
-    choose();
+void StatusItemHosts::avoid(Trouble& trouble) {
+    trouble.isNow = true;
+    if (trouble.times == kMostTries) return;
+    trouble.over = desk_.mainQueue.after(kFirstPause * (1 << trouble.times++), [this, &trouble] {
+        trouble.isNow = false;
+        choose();
+    });
 }
 
 }  // namespace norvane

@@ -36,13 +36,20 @@ class StatusItemHosts {
     StatusItemHost* host() const { return host_.get(); }
 
  private:
+    // Something that did not work, and is tried again after a pause, ever more seldom and not for ever.
+    struct Trouble {
+        bool isNow = false;
+        int times = 0;
+        Cancellation over;
+    };
+
     void choose();
     void chooseWhenSettled();
     void waitForPanel();
     std::unique_ptr<StatusItemHost> make(HostKind kind);
     void trayReceived(double width);
-    void trayLost();
-    void notifierRefused();
+    void judgeWidthAfter(std::chrono::nanoseconds pause);
+    void avoid(Trouble& trouble);
 
     Desk desk_;
     BusConnection& sessionBus_;
@@ -53,16 +60,21 @@ class StatusItemHosts {
 
     HostKind kind_ = HostKind::none;
     std::unique_ptr<StatusItemHost> host_;
-    // Of this tray, that it has no room for the label; and that it lost us, or never took us.
-    xcb_window_t narrowTray_ = XCB_NONE;
-    xcb_window_t failedTray_ = XCB_NONE;
-    std::optional<unsigned> failedNotifier_;  // its generation
-    bool isTrayProven_ = false;               // the tray that carries us has shown us
     unsigned notifiersMade_ = 0;
+
+    // Trays are told apart by counting: one that starts again may have the window of the one before.
+    unsigned trayCount_ = 0;
+    unsigned hostTray_ = 0;           // the one that the host was made for
+    std::optional<double> granted_;   // what the present one gave to the label, in points
+    std::optional<double> received_;  // what it gave last, to whatever was asked for
+    Trouble trayTrouble_;
+    Trouble notifierTrouble_;
+    unsigned watcher_ = 0;  // of which the trouble is
+
     bool hasWaited_ = false;
     Cancellation wait_;
     Cancellation settling_;
-    Cancellation tryTrayAgain_;
+    Cancellation judgement_;
     Cancellation traySeen_;
     Cancellation notifierSeen_;
 };

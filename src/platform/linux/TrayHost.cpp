@@ -259,6 +259,7 @@ void TrayHost::mapped(bool isMapped) {
         shown_.cancel();
         return;
     }
+    received_ = 0;  // it has a place again, whatever its size
     // Not every panel tells of a size that it finds as it likes it.
     followFrame();
 }

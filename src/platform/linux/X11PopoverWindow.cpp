@@ -388,7 +388,7 @@ void X11PopoverWindow::repaint() {
         frames_.stop();
         return;
     }
-    if (frames_.isHeld() || !surface_.isReady()) return;
+    if (!frames_.mayPaint() || !surface_.isReady()) return;
     paint();
     surface_.present();
 }
@@ -450,7 +450,11 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
             focus_.came(eventAs<xcb_focus_in_event_t>(event));
             return;
         case XCB_FOCUS_OUT:
-            if (focus_.left(eventAs<xcb_focus_out_event_t>(event)) && stage_ == Stage::shown) {
+            if (!focus_.left(eventAs<xcb_focus_out_event_t>(event)) || stage_ != Stage::shown) return;
+            // Presses on windows of others may not be told of at all where popovers are managed.
+            if (desk_.connection.hasManagedPopovers()) {
+                observer_.windowPressedOutside();
+            } else {
                 observer_.windowLostFocus();
             }
             return;

@@ -40,7 +40,7 @@ bool X11ScreenLight::isLit() {
     takeAnswer();
     const bool isDue = !asked_ || clock_.now() - *asked_ >= kPatience;
     if (isDue) ask();
-    return !isDark();
+    return !isKnownDark();
 }
 
 Cancellation X11ScreenLight::onLit(std::function<void()> observer) {
@@ -59,9 +59,9 @@ Cancellation X11ScreenLight::onLit(std::function<void()> observer) {
 
 void X11ScreenLight::handle(const xcb_generic_event_t& event) {
     if (typeOf(event) != connection_.saver().firstEvent + XCB_SCREENSAVER_NOTIFY) return;
-    const bool wasDark = isDark();
+    const bool wasDark = isKnownDark();
     isSaverInFront_ = isInFront(eventAs<xcb_screensaver_notify_event_t>(event).state);
-    if (wasDark && !isDark()) lit_.tell();
+    if (wasDark && !isKnownDark()) lit_.tell();
 }
 
 void X11ScreenLight::ask() {
@@ -92,10 +92,10 @@ void X11ScreenLight::lookAgainLater() {
 }
 
 void X11ScreenLight::lookAgain() {
-    const bool wasDark = isDark();
+    const bool wasDark = isKnownDark();
     takeAnswer();
     lookAgainLater();
-    if (wasDark && !isDark()) lit_.tell();
+    if (wasDark && !isKnownDark()) lit_.tell();
 }
 
 }  // namespace norvane

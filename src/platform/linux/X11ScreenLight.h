@@ -25,6 +25,7 @@ class X11ScreenLight final : public ScreenLight {
     X11ScreenLight& operator=(const X11ScreenLight&) = delete;
 
     bool isLit() override;
+    bool isKnownDark() const override { return isPoweredDown_ || isSaverInFront_; }
     [[nodiscard]] Cancellation onLit(std::function<void()> observer) override;
 
  private:
@@ -33,7 +34,6 @@ class X11ScreenLight final : public ScreenLight {
     void takeAnswer();
     void lookAgainLater();
     void lookAgain();
-    bool isDark() const { return isPoweredDown_ || isSaverInFront_; }
 
     X11Connection& connection_;
     const MonotonicClock& clock_;
