@@ -145,6 +145,8 @@ TEST_F(ManagedPopoverTest, WorksUnderAWindowManager) {
         EXPECT_TRUE(comes([&] { return find() == XCB_NONE; }));
     }
     open();
+    ASSERT_TRUE(comes([&] { return bystander_->focused() == window_; }));
+    settle();
     bystander_->focus(bystander_->open({600, 300, 100, 100}));
     EXPECT_TRUE(comes([&] { return observer_.pressesOutside == 1; }));
 }

@@ -89,7 +89,7 @@ void PopoverFocus::take(xcb_timestamp_t time) {
     }
     time_ = time;
     // Already: it may be given back before the server's word is here. A managed window may well not get it.
-    has_ = !desk_.connection.hasManagedPopovers();
+    if (!desk_.connection.hasManagedPopovers()) has_ = true;
     xcb_set_input_focus(server, XCB_INPUT_FOCUS_POINTER_ROOT, window_, time);
 }
 
