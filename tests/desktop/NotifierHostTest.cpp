@@ -120,8 +120,12 @@ TEST_F(NotifierHostTest, ShowsWhatItIsGivenAndTakesClicksInThePanel) {
     ASSERT_TRUE(comesToShow(kGreen));
     ASSERT_TRUE(runUntil([&] { return host->buttonFrame().has_value(); }));
     EXPECT_EQ(content.sizes.back(), (Size{22, 22}));
+    content.rate = 60;
+    paint({1, 0, 0, 1});
+    EXPECT_TRUE(runUntil([&, before = content.pictures] { return content.pictures >= before + 2; }));
+    content.rate = 0;
     paint({0, 0, 1, 1});
-    ASSERT_TRUE(comesToShow(kBlue));
+    ASSERT_TRUE(comesToShow(kBlue)) << "what lay halfway is not shown";
 
     // There is no window manager to tell what the panel leaves free.
     constexpr double kThickness = 30;

@@ -49,10 +49,17 @@ std::vector<NotifierImage> NotifierHost::paint() {
     const MonotonicInstant at = desk_.clock.now();
     DisplayList list = content_ != nullptr ? content_->displayList(kSize, at) : DisplayList{kSize, {}};
     list.items.insert(list.items.begin(), statusItemGround(kSize, desk_.appearance.isDark(), false));
-    // Whatever moves is looked at again as soon as panels may be told of it.
-    constexpr double kRate = std::chrono::seconds(1) / NotifierItem::kPicturePause;
-    frames_.painted(at, content_ != nullptr ? std::min(content_->frameRate(), kRate) : 0);
-    return {coarse_.paint(list), fine_.paint(list)};
+    // A panel shows what it is given for a second at least, so it is not given what lies halfway between two
+    // pictures: what moves is looked at again soon, and is sent when it stands, or has moved for long.
+    constexpr double kLooks = 5;  // a second
+    const double rate = content_ != nullptr ? std::min(content_->frameRate(), kLooks) : 0;
+    frames_.painted(at, rate);
+    if (!(rate > 0)) movingSince_.reset();
+    if (rate > 0 && !movingSince_) movingSince_ = at;
+    if (movingSince_ && !sent_.empty() && at - *movingSince_ < NotifierItem::kPicturePause) return sent_;
+    if (movingSince_) movingSince_ = at;
+    sent_ = {coarse_.paint(list), fine_.paint(list)};
+    return sent_;
 }
 
 NotifierImage NotifierHost::Canvas::paint(const DisplayList& list) {

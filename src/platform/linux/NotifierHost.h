@@ -60,6 +60,8 @@ class NotifierHost final : public StatusItemHost {
     Canvas coarse_{1};
     Canvas fine_{2};
     FrameClock frames_;
+    std::vector<NotifierImage> sent_;
+    std::optional<MonotonicInstant> movingSince_;  // or since it was sent, moving
     // Where it was clicked on last.
     struct Pixel {
         int x;

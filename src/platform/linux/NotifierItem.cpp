@@ -65,11 +65,7 @@ NotifierItem::NotifierItem(BusConnection& sessionBus, MainQueue& mainQueue, cons
     : bus_(sessionBus),
       limit_(limit),
       handlers_(std::move(handlers)),
-      repainting_(mainQueue, clock, kPicturePause,
-                  [this] {
-                      repaint();
-                      return true;
-                  }),
+      repainting_(mainQueue, clock, kPicturePause, [this] { return repaint(); }),
       tellingToolTip_(mainQueue, clock, kToolTipPause, [this] { return tellToolTip(); }),
       // Before the name: who learns of it finds the object.
       object_(bus_.exportObject({.path = kItemPath,
@@ -167,13 +163,14 @@ void NotifierItem::pictureChanged() {
     if (isRegistered_) repainting_.request();
 }
 
-void NotifierItem::repaint() {
+bool NotifierItem::repaint() {
     isStale_ = false;
     std::vector<NotifierImage> pictures = handlers_.paint();
     const bool isFirst = !std::exchange(isPainted_, true);
-    if (pictures == pictures_) return;
+    if (pictures == pictures_) return false;
     pictures_ = std::move(pictures);
     if (!isFirst) bus_.emit(kItemPath, kItem, "NewIcon");
+    return true;
 }
 
 void NotifierItem::setToolTip(std::string_view text) {

@@ -61,7 +61,8 @@ class NotifierItem {
     void refuse();
     GVariant* called(std::string_view method, GVariant* arguments) const;
     GVariant* read(std::string_view property);
-    void repaint();
+    // Whether there is another picture now.
+    bool repaint();
     bool tellToolTip();
 
     BusConnection& bus_;
