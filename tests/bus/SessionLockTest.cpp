@@ -236,7 +236,7 @@ TEST_F(SessionLockTest, OutlivesItsBus) {
 class SwitchedLight final : public ScreenLight {
  public:
     bool isLit() override { return isOn; }
-    bool isKnownDark() const override { return !isOn; }
+    bool isKnownDark() override { return !isOn; }
     Cancellation onLit(std::function<void()> observer) override { return lit.add(std::move(observer)); }
 
     bool isOn = true;

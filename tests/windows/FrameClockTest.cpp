@@ -18,7 +18,7 @@ class SwitchedLight final : public ScreenLight {
         ++questions;
         return isOn;
     }
-    bool isKnownDark() const override { return isKnown && !isOn; }
+    bool isKnownDark() override { return isKnown && !isOn; }
     Cancellation onLit(std::function<void()> observer) override { return lit_.add(std::move(observer)); }
     void turnOn() {
         isOn = true;
@@ -110,6 +110,15 @@ TEST_F(FrameClockTest, TheDarkIsWaitedOutWithoutPicturesAndItsEndGetsOneAtOnce) 
     light_.turnOn();
     machine_.advance(1s);
     EXPECT_EQ(times_.size(), 3u) << "nobody waits any more";
+
+    // What changes without moving has no picture coming that would ask.
+    light_.isOn = false;
+    EXPECT_TRUE(frames_.mayPaint()) << "nobody knows yet";
+    light_.isKnown = true;
+    EXPECT_FALSE(frames_.mayPaint());
+    EXPECT_FALSE(frames_.mayPaint());
+    light_.turnOn();
+    EXPECT_EQ(times_.size(), 4u) << "one for all that changed in the dark";
 }
 
 TEST(DrawingMemory, IsGivenBackTenSecondsAfterTheLastPopover) {

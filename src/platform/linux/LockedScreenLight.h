@@ -20,7 +20,7 @@ class LockedScreenLight final : public ScreenLight {
     LockedScreenLight& operator=(const LockedScreenLight&) = delete;
 
     bool isLit() override { return !lock_.isLocked() && light_.isLit(); }
-    bool isKnownDark() const override { return lock_.isLocked() || light_.isKnownDark(); }
+    bool isKnownDark() override { return lock_.isLocked() || light_.isKnownDark(); }
     [[nodiscard]] Cancellation onLit(std::function<void()> observer) override;
 
  private:

@@ -38,9 +38,14 @@ X11ScreenLight::~X11ScreenLight() {
 
 bool X11ScreenLight::isLit() {
     takeAnswer();
-    const bool isDue = !asked_ || clock_.now() - *asked_ >= kPatience;
-    if (isDue) ask();
-    return !isKnownDark();
+    ask(kPatience);
+    return !isDark();
+}
+
+bool X11ScreenLight::isKnownDark() {
+    takeAnswer();
+    ask(kLongPatience);
+    return isDark();
 }
 
 Cancellation X11ScreenLight::onLit(std::function<void()> observer) {
@@ -59,12 +64,13 @@ Cancellation X11ScreenLight::onLit(std::function<void()> observer) {
 
 void X11ScreenLight::handle(const xcb_generic_event_t& event) {
     if (typeOf(event) != connection_.saver().firstEvent + XCB_SCREENSAVER_NOTIFY) return;
-    const bool wasDark = isKnownDark();
+    const bool wasDark = isDark();
     isSaverInFront_ = isInFront(eventAs<xcb_screensaver_notify_event_t>(event).state);
-    if (wasDark && !isKnownDark()) lit_.tell();
+    if (wasDark && !isDark()) lit_.tell();
 }
 
-void X11ScreenLight::ask() {
+void X11ScreenLight::ask(std::chrono::nanoseconds patience) {
+    if (asked_ && clock_.now() - *asked_ < patience) return;
     if (!connection_.dpms().isPresent || question_ || !connection_.isAlive()) return;
     question_ = xcb_dpms_info(connection_.get()).sequence;
     asked_ = clock_.now();
@@ -86,16 +92,16 @@ void X11ScreenLight::lookAgainLater() {
     if (!connection_.dpms().isPresent) return;  // then the saver's events tell everything
     look_ = mainQueue_.after(kPatience, [this] {
         takeAnswer();
-        ask();
+        ask(std::chrono::nanoseconds(0));
         look_ = mainQueue_.after(kAnswerTime, [this] { lookAgain(); });
     });
 }
 
 void X11ScreenLight::lookAgain() {
-    const bool wasDark = isKnownDark();
+    const bool wasDark = isDark();
     takeAnswer();
     lookAgainLater();
-    if (wasDark && !isKnownDark()) lit_.tell();
+    if (wasDark && !isDark()) lit_.tell();
 }
 
 }  // namespace norvane

@@ -13,10 +13,12 @@ namespace norvane {
 
 // The screen is dark while the display is powered down or a screen saver is in front. The server tells of the
 // latter; the power it has to be asked for, which happens without waiting, while frames run or while somebody
-// waits for the light, and not more often than every `kPatience`.
+// waits for the light, and not more often than every `kPatience`; what paints seldom has it asked for seldom.
 class X11ScreenLight final : public ScreenLight {
  public:
     static constexpr std::chrono::nanoseconds kPatience = std::chrono::seconds(2);
+    // For what paints seldom: each question wakes the process once more.
+    static constexpr std::chrono::nanoseconds kLongPatience = std::chrono::seconds(20);
 
     // All outlive it.
     X11ScreenLight(X11Connection& connection, const MonotonicClock& clock, MainQueue& mainQueue);
@@ -25,12 +27,13 @@ class X11ScreenLight final : public ScreenLight {
     X11ScreenLight& operator=(const X11ScreenLight&) = delete;
 
     bool isLit() override;
-    bool isKnownDark() const override { return isPoweredDown_ || isSaverInFront_; }
+    bool isKnownDark() override;
     [[nodiscard]] Cancellation onLit(std::function<void()> observer) override;
 
  private:
     void handle(const xcb_generic_event_t& event);
-    void ask();
+    bool isDark() const { return isPoweredDown_ || isSaverInFront_; }
+    void ask(std::chrono::nanoseconds patience);
     void takeAnswer();
     void lookAgainLater();
     void lookAgain();
