@@ -39,12 +39,13 @@ class Portal {
         connection_ = connectTo(address);
         GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(kDescription, nullptr);
         static const GDBusInterfaceVTable calls{&Portal::called, nullptr, nullptr, {}};
-        g_dbus_connection_register_object(connection_, "/org/freedesktop/portal/desktop", node->interfaces[0],
-                                          &calls, this, nullptr, nullptr);
+        object_ = g_dbus_connection_register_object(connection_, "/org/freedesktop/portal/desktop",
+                                                    node->interfaces[0], &calls, this, nullptr, nullptr);
         g_dbus_node_info_unref(node);
         callBus("RequestName", g_variant_new("(su)", "org.freedesktop.portal.Desktop", 0));
     }
     ~Portal() {
+        g_dbus_connection_unregister_object(connection_, object_);  // calls may be on their way to it
         for (GDBusMethodInvocation* const each : unanswered_)
             g_object_unref(each);
         g_dbus_connection_close_sync(connection_, nullptr, nullptr);
@@ -125,6 +126,7 @@ class Portal {
     GVariant* const value_;
     GVariant* accent_ = nullptr;  // the portal knows no such setting
     GDBusConnection* connection_ = nullptr;
+    guint object_ = 0;
     std::vector<GDBusMethodInvocation*> unanswered_;
 };
 

@@ -47,12 +47,19 @@ class Watcher {
             g_variant_get_type_string(hasHost_.get()) + "' access='read'/></interface></node>";
         GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(description.c_str(), nullptr);
         static const GDBusInterfaceVTable functions{called, read, nullptr, {}};
-        g_dbus_connection_register_object(peer_.connection(), kWatcherPath, node->interfaces[0], &functions,
-                                          this, nullptr, nullptr);
+        object_ = g_dbus_connection_register_object(peer_.connection(), kWatcherPath, node->interfaces[0],
+                                                    &functions, this, nullptr, nullptr);
         g_dbus_node_info_unref(node);
-        g_dbus_connection_add_filter(peer_.connection(), received, this, nullptr);
+        filter_ = g_dbus_connection_add_filter(peer_.connection(), received, this, nullptr);
         peer_.requestName(kWatcher);
     }
+    // Calls may be on their way to it.
+    ~Watcher() {
+        g_dbus_connection_remove_filter(peer_.connection(), filter_);
+        g_dbus_connection_unregister_object(peer_.connection(), object_);
+    }
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
 
     Texts items;
     bool refuses = false;
@@ -94,6 +101,8 @@ class Watcher {
 
     const bool isSilent_;
     GVariantPointer hasHost_;
+    guint object_ = 0;
+    guint filter_ = 0;
     BusPeer peer_;
 };
 

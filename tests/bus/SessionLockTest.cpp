@@ -34,11 +34,15 @@ class Locker {
         static const GDBusInterfaceVTable calls{&Locker::called, nullptr, nullptr, {}};
         GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(xml.c_str(), nullptr);
         // GLib answers by the description's types, so what is to be garbage is sent without its help.
-        g_dbus_connection_register_object(peer_.connection(), path, node->interfaces[0], &calls, this,
-                                          nullptr, nullptr);
+        object_ = g_dbus_connection_register_object(peer_.connection(), path, node->interfaces[0], &calls,
+                                                    this, nullptr, nullptr);
         g_dbus_node_info_unref(node);
         peer_.requestName(name);
     }
+    // Calls may be on their way to it.
+    ~Locker() { g_dbus_connection_unregister_object(peer_.connection(), object_); }
+    Locker(const Locker&) = delete;
+    Locker& operator=(const Locker&) = delete;
 
     void emit(const char* arguments) const {
         g_dbus_connection_emit_signal(peer_.connection(), nullptr, path_, name_, "ActiveChanged",
@@ -65,6 +69,7 @@ class Locker {
         g_object_unref(invocation);
     }
 
+    guint object_ = 0;
     BusPeer peer_;
     const char* const name_;
     const char* const path_;
