@@ -24,6 +24,8 @@ constexpr auto kReopening = 600ms;
 constexpr auto kKeyAfterReopening = 120ms;
 // A panel that tells of a press afterwards does so within this time.
 constexpr auto kLateClick = 300ms;
+// A panel that starts takes the keyboard now and then: what hangs from it then would go at once.
+constexpr auto kPanelSettles = 1s;
 // From the welcome to the dashboard.
 constexpr auto kAfterWelcome = 100ms;
 
@@ -267,6 +269,11 @@ void StatusBarController::showDashboard() {
 }
 
 void StatusBarController::buttonAppeared() {
+    if (awaited_ == Awaited::nothing) return;
+    settling_ = after(kPanelSettles, [](StatusBarController& self) { self.showAwaited(); });
+}
+
+void StatusBarController::showAwaited() {
     switch (std::exchange(awaited_, Awaited::nothing)) {
         case Awaited::nothing:
             return;

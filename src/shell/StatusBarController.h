@@ -88,6 +88,7 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     void clampSoon(Popover& popover);
     void clampPopoverToScreen(const Popover& popover) const;
     void buttonAppeared();
+    void showAwaited();
     bool wasJustClosedByThisClick() const;
     bool hasSeenWelcome() const;
     void continueFromWelcome();
@@ -136,6 +137,7 @@ class StatusBarController final : public std::enable_shared_from_this<StatusBarC
     Cancellation settingsReopening_;
     Cancellation mainReopening_;
     Cancellation continuing_;
+    Cancellation settling_;
     std::vector<Cancellation> cancellables_;
 };
 

@@ -28,7 +28,7 @@ TEST_F(StatusItemTest, APanelThatStartsLaterGetsWhatWasAskedForMeanwhile) {
     launch(false);
     EXPECT_EQ(shown(), "");
     machine_.windowServer.startPanel();
-    machine_.settle();
+    machine_.advance(1s);
     EXPECT_EQ(shown(), "welcome") << "the first thing to see is not lost";
     store(defaultskey::kHasSeenWelcome, true);
     pressEscape();
@@ -37,11 +37,11 @@ TEST_F(StatusItemTest, APanelThatStartsLaterGetsWhatWasAskedForMeanwhile) {
     reopen();
     EXPECT_EQ(shown(), "");
     machine_.windowServer.startPanel();
-    machine_.settle();
+    machine_.advance(1s);
     EXPECT_EQ(shown(), "main");
     pressEscape();
     machine_.windowServer.startPanel();
-    machine_.settle();
+    machine_.advance(1s);
     EXPECT_EQ(shown(), "") << "once";
 }
 
