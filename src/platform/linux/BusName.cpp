@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kBus = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
-// Of the D-Bus Specification, RequestName.
+// What the bus is asked with, and answers, by the documentation of RequestName at freedesktop.org.
 constexpr std::uint32_t kDoNotQueue = 4;
 constexpr std::uint32_t kPrimaryOwner = 1;
 constexpr std::uint32_t kAlreadyOwner = 4;
