@@ -18,7 +18,8 @@ constexpr double kLeastLabel = 50;
 constexpr auto kSettled = 150ms;
 // A panel that is told of another wish has so long to follow it.
 constexpr auto kTimeToFollow = 500ms;
-// After trouble with a panel it is tried again after so long, then twice as long and so on, so many times.
+// After trouble with a panel it is tried again after so long, then twice as long and so on, so many times
+// in a row.
 constexpr std::chrono::nanoseconds kFirstPause = 5s;
 constexpr int kMostTries = 5;
 
@@ -62,12 +63,15 @@ void StatusItemHosts::choose() {
     const bool hasTray = tray_.owner() != XCB_NONE && !trayTrouble_.isNow;
     const NotifierWatch::State notifier =
         notifierTrouble_.isNow ? NotifierWatch::State::absent : notifier_.state();
-    const HostKind wanted = chosenHost(
-        {.current = kind_,
-         .hasTray = hasTray,
-         .isTrayNarrow = granted_ && *granted_<kLeastLabel, .notifier = notifier, .wantsWidth = *length_> 0,
-         .hasWindowManager = desk_.screen.hasWindowManager(),
-         .hasWaited = hasWaited_});
+    const bool isTrayNarrow = granted_.value_or(kLeastLabel) < kLeastLabel;
+    const bool wantsWidth = *length_ > 0;
+    const HostKind wanted = chosenHost({.current = kind_,
+                                        .hasTray = hasTray,
+                                        .isTrayNarrow = isTrayNarrow,
+                                        .notifier = notifier,
+                                        .wantsWidth = wantsWidth,
+                                        .hasWindowManager = desk_.screen.hasWindowManager(),
+                                        .hasWaited = hasWaited_});
     if (wanted == HostKind::none) {
         if (!wait_) waitForPanel();
     } else {
@@ -105,22 +109,13 @@ std::unique_ptr<StatusItemHost> StatusItemHosts::make(HostKind kind) {
             hostTray_ = trayCount_;
             return std::make_unique<TrayHost>(
                 desk_, tray_.owner(),
-                TrayHost::Events{.clicked = events_.clicked,
-                                 .received = [this](double width) { trayReceived(width); },
-                                 .lost =
-                                     [this] {
-                                         // The fault of a tray that has gone is not its successor's.
-                                         if (hostTray_ == trayCount_) avoid(trayTrouble_);
-                                         choose();
-                                     }});
+                TrayHost::Events{events_.clicked, [this](double width) { trayReceived(width); },
+                                 [this] { trayLost(); }});
         case HostKind::notifier:
             return std::make_unique<NotifierHost>(
                 desk_, sessionBus_, ++notifiersMade_,
-                NotifierHost::Handlers{
-                    .clicked = events_.clicked, .registered = events_.placed, .refused = [this] {
-                        avoid(notifierTrouble_);
-                        choose();
-                    }});
+                NotifierHost::Handlers{events_.clicked, [this] { notifierRegistered(); },
+                                       [this] { notifierRefused(); }});
         case HostKind::strip:
             return std::make_unique<StripHost>(desk_, events_.clicked);
     }
@@ -129,8 +124,25 @@ std::unique_ptr<StatusItemHost> StatusItemHosts::make(HostKind kind) {
 
 void StatusItemHosts::trayReceived(double width) {
     received_ = width;
+    trayTrouble_.times = 0;
     events_.placed();
     if (*length_ > 0) judgeWidthAfter(width < kLeastLabel ? kSettled : 0ms);
+}
+
+void StatusItemHosts::trayLost() {
+    // The fault of a tray that has gone is not its successor's.
+    if (hostTray_ == trayCount_) avoid(trayTrouble_);
+    choose();
+}
+
+void StatusItemHosts::notifierRegistered() {
+    notifierTrouble_.times = 0;
+    events_.placed();
+}
+
+void StatusItemHosts::notifierRefused() {
+    avoid(notifierTrouble_);
+    choose();
 }
 
 // Some panels lay their items out only after they have taken them in.

@@ -36,7 +36,8 @@ class StatusItemHosts {
     StatusItemHost* host() const { return host_.get(); }
 
  private:
-    // Something that did not work, and is tried again after a pause, ever more seldom and not for ever.
+    // Something that did not work, and is tried again after a pause, ever more seldom and not for ever. A
+    // success begins the count anew.
     struct Trouble {
         bool isNow = false;
         int times = 0;
@@ -48,6 +49,9 @@ class StatusItemHosts {
     void waitForPanel();
     std::unique_ptr<StatusItemHost> make(HostKind kind);
     void trayReceived(double width);
+    void trayLost();
+    void notifierRegistered();
+    void notifierRefused();
     void judgeWidthAfter(std::chrono::nanoseconds pause);
     void avoid(Trouble& trouble);
 
