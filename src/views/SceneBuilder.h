@@ -25,7 +25,9 @@ namespace norvane {
 // what it is moved and scaled by, and what is cut off of it.
 class SceneBuilder {
  public:
-    // Frames a second, while something moves: what never ends by itself, or goes on evenly, needs fewer.
+    // Frames a second, while something moves: what goes on evenly needs fewer, and what breathes, over
+    // seconds and without an end, fewer still.
+    static constexpr double kBreathingRate = 15;
     static constexpr double kSteadyRate = 30;
     static constexpr double kLivelyRate = 60;
     // Where more than so many values move at once (a ring for each of many processors), nobody follows one of
@@ -50,9 +52,10 @@ class SceneBuilder {
     template <typename T>
     T value(const Animated<T>& value) {
         if (const auto animation = value.animationAt(now_)) {
-            const bool isSteady = animation->repeats || animation->curve == Animation::Curve::linear;
-            wantFrames(isSteady ? kSteadyRate : kLivelyRate);
-            if (!isSteady) ++livelyCount_;
+            const bool isEven = animation->curve == Animation::Curve::linear;
+            const bool isLively = !animation->repeats && !isEven;
+            wantFrames(isLively ? kLivelyRate : isEven ? kSteadyRate : kBreathingRate);
+            if (isLively) ++livelyCount_;
         }
         return value.valueAt(now_);
     }

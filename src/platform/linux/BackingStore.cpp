@@ -13,8 +13,9 @@ namespace {
 constexpr std::size_t kBytesPerPixel = 4;
 // Sharing costs an exchange with the server: not for a few rows of a panel.
 constexpr std::size_t kLeastShared = 64 * 1024;
-// Of memory that is shared, so much is sent all the same: a gauge that breathes would else wake this process
-// once more with each picture, to hear that the server has read it.
+// Of memory that is shared, so much of a picture is sent all the same: a gauge that breathes would else wake
+// this process once more with each picture, to hear that the server has read it. More than that would be
+// written piece by piece, since it does not fit into XCB's buffer.
 constexpr std::size_t kMostSent = 32 * 1024;
 // A request that every server takes without the extension for bigger ones.
 constexpr std::size_t kMostBytesInARequest = 60'000 * 4;
@@ -85,23 +86,31 @@ bool BackingStore::handle(const xcb_generic_event_t& event) {
 }
 
 void BackingStore::present(std::span<const PixelRect> parts) {
+    std::vector<PixelRect> seen;
+    std::size_t bytes = 0;
     for (const PixelRect& asked : parts) {
         const PixelRect part = asked.intersection(bounds());
         if (part.isEmpty()) continue;
-        const std::size_t pixels =
-            static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height);
-        if (shared_ == nullptr || pixels * kBytesPerPixel <= kMostSent) {
+        seen.push_back(part);
+        bytes +=
+            static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height) * kBytesPerPixel;
+    }
+    if (shared_ == nullptr || bytes <= kMostSent) {
+        for (const PixelRect& part : seen)
             send(part);
-            continue;
-        }
+        return;
+    }
+    for (const PixelRect& part : seen) {
+        // It works off one after another: when it tells of the last, it has read all.
+        const bool isTold = &part == &seen.back();
         xcb_shm_put_image(connection_.get(), window_, context_, static_cast<std::uint16_t>(width_),
                           static_cast<std::uint16_t>(height_), static_cast<std::uint16_t>(part.x),
                           static_cast<std::uint16_t>(part.y), static_cast<std::uint16_t>(part.width),
                           static_cast<std::uint16_t>(part.height), static_cast<std::int16_t>(part.x),
-                          static_cast<std::int16_t>(part.y), depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, 1, segment_,
-                          0);
-        ++reading_;
+                          static_cast<std::int16_t>(part.y), depth_, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                          isTold ? 1 : 0, segment_, 0);
     }
+    ++reading_;
 }
 
 void BackingStore::send(const PixelRect& part) {

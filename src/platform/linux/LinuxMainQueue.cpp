@@ -46,6 +46,8 @@ LinuxMainQueue::LinuxMainQueue() : wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK
     source_->queue = this;
     g_source_set_static_name(source, "main queue");
     wakeUpTag_ = g_source_add_unix_fd(source, wakeUp_.get(), G_IO_IN);
+    // Else the context takes its descriptor out while it is dispatched, and goes round once more for that.
+    g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);
 }
 

@@ -48,28 +48,32 @@ bool isLocalSocket(int descriptor) {
 struct X11Connection::Source {
     GSource base;
     X11Connection* connection;
+    gpointer socketTag;
 
     static X11Connection& connectionOf(GSource* source) {
         return *reinterpret_cast<Source*>(source)->connection;
     }
+    static gboolean prepare(GSource* source, gint* timeout) {
+        *timeout = -1;
+        X11Connection& owner = connectionOf(source);
+        // First: a write that has to wait reads events meanwhile.
+        xcb_flush(owner.connection_);
+        return owner.hasEventWaiting();
+    }
+    static gboolean check(GSource* source) {
+        X11Connection& owner = connectionOf(source);
+        // Without a word from the server there is nothing to read.
+        const bool isReadable =
+            g_source_query_unix_fd(source, reinterpret_cast<Source*>(source)->socketTag) != 0;
+        return isReadable ? owner.hasEventArrived() : owner.hasEventWaiting();
+    }
+    static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
+        connectionOf(source).deliverEvents();
+        return G_SOURCE_CONTINUE;
+    }
 
     static GSourceFuncs* functions() {
-        static GSourceFuncs functions = {
-            [](GSource* source, gint* timeout) -> gboolean {
-                *timeout = -1;
-                X11Connection& owner = connectionOf(source);
-                // First: a write that has to wait reads events meanwhile.
-                xcb_flush(owner.connection_);
-                return owner.hasEventWaiting();
-            },
-            [](GSource* source) -> gboolean { return connectionOf(source).hasEventArrived(); },
-            [](GSource* source, GSourceFunc, gpointer) -> gboolean {
-                connectionOf(source).deliverEvents();
-                return G_SOURCE_CONTINUE;
-            },
-            nullptr,
-            nullptr,
-            nullptr};
+        static GSourceFuncs functions = {prepare, check, dispatch, nullptr, nullptr, nullptr};
         return &functions;
     }
 };
@@ -217,8 +221,10 @@ void X11Connection::listen() {
     source_ = reinterpret_cast<Source*>(source);
     source_->connection = this;
     g_source_set_static_name(source, "X server");
-    g_source_add_unix_fd(source, xcb_get_file_descriptor(connection_),
-                         static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
+    source_->socketTag = g_source_add_unix_fd(source, xcb_get_file_descriptor(connection_),
+                                              static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
+    // Else the context takes its descriptor out while it is dispatched, and is woken by each of that.
+    g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);
 }
 
