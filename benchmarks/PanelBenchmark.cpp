@@ -46,7 +46,7 @@ PanelBenchmark::PanelBenchmark(const Surroundings& surroundings, const std::stri
     : in_(surroundings), server_(server), watcher_(watcher), verdict_(verdict) {
     std::filesystem::create_directories(settingsFolder + "/norvane");
     std::ofstream(settingsFolder + "/norvane/defaults.ini")
-        << "[defaults]\nhasSeenWelcome=true\nisSmartAutoExpandEnabled=false\nlastViewedPod=memory\n";
+        << "[defaults]\nhasSeenWelcome=true\nisSmartAutoExpandEnabled=false\nlastViewedPod=\"memory\"\n";
 }
 
 void PanelBenchmark::measure(const std::string& program) {

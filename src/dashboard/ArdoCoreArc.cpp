@@ -45,8 +45,10 @@ Element ArdoCoreArc::body() const {
             vstack({.spacing = 8},            //
                    ring(*drawn, view.color),  //
                    text(name, {.font = font::system(10, FontWeight::medium), .lineLimit = 1}, Ink::secondary))
-                .accessible(
-                    {.role = AccessibleRole::meter, .name = name, .value = gaugePercent(view.usage / 100)});
+                .accessible({.role = AccessibleRole::meter,
+                             .name = name,
+                             .value = gaugePercent(view.usage / 100),
+                             .number = gaugeNumber(view.usage / 100)});
         return following(std::move(arc), drawn, &Drawn::animatedUsage, view.usage, kMove);
     });
 }

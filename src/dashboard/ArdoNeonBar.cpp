@@ -48,7 +48,8 @@ Element ArdoNeonBar::body() const {
                                      [](Drawn& drawn) { drawn.isBreathing = true; });
                    });
                })
-        .accessible({.role = AccessibleRole::meter, .value = gaugePercent(target)});
+        .accessible(
+            {.role = AccessibleRole::meter, .value = gaugePercent(target), .number = gaugeNumber(target)});
 }
 
 }  // namespace norvane

@@ -7,7 +7,11 @@
 namespace norvane {
 
 std::string gaugePercent(double share) {
-    return decimal(std::isfinite(share) ? share * 100 : 0, 0) + " %";
+    return decimal(gaugeNumber(share).now, 0) + " %";
+}
+
+AccessibleNumber gaugeNumber(double share) {
+    return {.now = std::isfinite(share) ? share * 100 : 0};
 }
 
 }  // namespace norvane

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/AccessibleNumber.h"
 #include "views/Element.h"
 #include "views/State.h"
 
@@ -47,7 +48,9 @@ Element following(Element gauge, const State<Drawn>& state, double Drawn::*value
     });
 }
 
-// What a gauge tells those who do not see it: "42 %".
+// What a gauge tells those who do not see it: "42 %", and the number behind it, in percent. A share that is
+// no number is 0.
 std::string gaugePercent(double share);
+AccessibleNumber gaugeNumber(double share);
 
 }  // namespace norvane

@@ -1,6 +1,7 @@
 #include "dashboard/KeyedBar.h"
 
 #include "dashboard/FigureCell.h"
+#include "dashboard/GaugeMotion.h"
 #include "drawing/NamedFonts.h"
 #include "views/Spacer.h"
 #include "views/Stack.h"
@@ -29,7 +30,10 @@ Element KeyedBar::body() const {
                       spacer(),           //
                       text(value, {.font = valueFont, .lineLimit = 1}).layoutPriority(1)),
                bar.body().frame({.height = kBarHeight}))
-            .accessible({.role = AccessibleRole::meter, .name = label, .value = value}),
+            .accessible({.role = AccessibleRole::meter,
+                         .name = label,
+                         .value = value,
+                         .number = gaugeNumber(ArdoNeonBar::ratio(bar.value, bar.total))}),
         hstack({.spacing = 12}, key(bar.color, filled), key(Paint(Ink::primary).withOpacity(0.1), rest))
             .padding({.top = 2}));
 }

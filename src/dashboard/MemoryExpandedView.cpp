@@ -5,6 +5,7 @@
 #include "dashboard/ArdoNeonBar.h"
 #include "dashboard/ExternalVolume.h"
 #include "dashboard/FigureCell.h"
+#include "dashboard/GaugeMotion.h"
 #include "dashboard/SteadyInsight.h"
 #include "drawing/NamedFonts.h"
 #include "insight/MemoryInsight.h"
@@ -58,6 +59,8 @@ Element MemoryExpandedView::body() const {
                            .value = tier.word,
                            .font = font::system(14, FontWeight::semibold),
                            .valuePaint = tier.color};
+    const double used = now != nullptr ? now->usedMemoryGB : 0;
+    const double total = now != nullptr ? now->totalMemoryGB : 1.0;
     return vstack({.alignment = Alignment::start, .spacing = 10},
                   hstack({.spacing = kFigureGap},
                          usage.body().frame({.maxWidth = Proposal::kMost, .horizontal = Alignment::start}),
@@ -72,13 +75,12 @@ Element MemoryExpandedView::body() const {
                            return figureRow(size("App Memory", now->appMemoryGB, larger),
                                             size("Swap", now->swapUsedGB, larger));
                        }),
-                  ArdoNeonBar{.value = now != nullptr ? now->usedMemoryGB : 0,
-                              .total = now != nullptr ? now->totalMemoryGB : 1.0,
-                              .color = tier.color}
+                  ArdoNeonBar{.value = used, .total = total, .color = tier.color}
                       .body()
                       .accessible({.role = AccessibleRole::meter,
                                    .name = "Memory Used",
-                                   .value = formatMemorySize(now != nullptr ? now->usedMemoryGB : 0)})
+                                   .value = formatMemorySize(used),
+                                   .number = gaugeNumber(ArdoNeonBar::ratio(used, total))})
                       .frame({.height = 10}),
                   divider().padding({.top = 4}), insightLines(memoryInsightText(now, verbosity), true));
 }

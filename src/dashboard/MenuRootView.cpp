@@ -181,7 +181,9 @@ Element MenuRootView::headerButton(std::string_view symbolName, Accessible told,
 Element MenuRootView::statusLine() const {
     const TextStyle style{.font = font::system(12), .lineSpacing = 1.5};
     const std::string& stable = status_.stableStatusText();
-    return text(stable.empty() ? std::string(systemStatusText()) : stable, style)
+    const std::string shown = stable.empty() ? std::string(systemStatusText()) : stable;
+    return text(shown, style)
+        .accessible({.role = AccessibleRole::text, .name = shown, .isLive = true})
         .padding(Insets::vertical(4));
 }
 

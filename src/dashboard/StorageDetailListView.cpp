@@ -12,6 +12,7 @@
 #include "dashboard/ArdoNeonBar.h"
 #include "dashboard/CapacityColor.h"
 #include "dashboard/FigureCell.h"
+#include "dashboard/GaugeMotion.h"
 #include "dashboard/ShownVolumeName.h"
 #include "drawing/NamedFonts.h"
 #include "views/Button.h"
@@ -154,7 +155,10 @@ Element StorageDetailListView::row(const State<Listing>& listing, const External
     Element words =
         vstack({.alignment = Alignment::start, .spacing = 4}, panelLabel(name),
                when(isSized, [&] { return figuresOf(volume, sizes); }))
-            .accessible(isSized ? Accessible{.role = AccessibleRole::meter, .name = name, .value = sizes}
+            .accessible(isSized ? Accessible{.role = AccessibleRole::meter,
+                                             .name = name,
+                                             .value = sizes,
+                                             .number = gaugeNumber(1 - volume.availableGB / volume.totalGB)}
                                 : Accessible{.role = AccessibleRole::text, .name = name});
     const auto ejectButton = [&] {
         return button("Eject " + name,

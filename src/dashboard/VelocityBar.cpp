@@ -34,7 +34,8 @@ Element VelocityBar::body() const {
                                                     {.fill = color, .leadingPart = state->animatedFill}));
                    return following(std::move(bar), state, &Drawn::animatedFill, target, animation);
                })
-        .accessible({.role = AccessibleRole::meter, .value = gaugePercent(target)});
+        .accessible(
+            {.role = AccessibleRole::meter, .value = gaugePercent(target), .number = gaugeNumber(target)});
 }
 
 }  // namespace norvane

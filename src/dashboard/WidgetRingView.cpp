@@ -80,7 +80,8 @@ Element WidgetRingView::body() const {
                            })
         .accessible({.role = AccessibleRole::meter,
                      .name = title,
-                     .value = valueText.empty() ? gaugePercent(target) : valueText});
+                     .value = valueText.empty() ? gaugePercent(target) : valueText,
+                     .number = gaugeNumber(target)});
 }
 
 }  // namespace norvane

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "drawing/Rect.h"
+#include "platform/AccessibleNumber.h"
 
 namespace norvane {
 
@@ -41,8 +42,13 @@ struct AccessibleNode {
     std::optional<bool> isOn = {};
     std::optional<bool> isExpanded = {};
     bool isEnabled = true;
-    // Whether it has the keyboard.
+    // Whether it can have the keyboard, and whether it has it.
+    bool isFocusable = false;
     bool isFocused = false;
+    // What the value says, as a number; absent where it is none.
+    std::optional<AccessibleNumber> number = {};
+    // It is to be said aloud, wherever the user is, whenever its name changes.
+    bool isLive = false;
 
     bool operator==(const AccessibleNode&) const = default;
 };

@@ -18,6 +18,9 @@ class Appearance {
     // The colour that the user has chosen for what stands out, opaque. None where nobody chose one, or
     // nothing is known of it.
     virtual std::optional<Color> accentColor() const = 0;
+    // The user wants things to be in their place at once rather than to move there. False while nothing is
+    // known.
+    virtual bool reducesMotion() const = 0;
     // Told of every change of what is above.
     [[nodiscard]] virtual Cancellation onDidChange(std::function<void()> observer) = 0;
 };

@@ -32,7 +32,7 @@ class SurfaceContent {
     // How many pictures a second the last one is followed by without anything having changed; 0 where it
     // stands still.
     virtual double frameRate() const = 0;
-    // The tree that goes with the last picture.
+    // The tree of this moment, whether or not there is a picture of it yet.
     virtual AccessibleNode accessibleTree() = 0;
 
     // Positions are those of the last picture.
@@ -41,6 +41,8 @@ class SurfaceContent {
     virtual bool key(const KeyEvent& event) = 0;
     // Does what the accessible node of that key offers under that name. False where there is none such.
     virtual bool perform(std::string_view key, std::string_view action) = 0;
+    // Gives the keyboard to what the node of that key stands for. False where it cannot have it.
+    virtual bool focus(std::string_view key) = 0;
 
     // The surface that shows the content sets one handler and clears it when it no longer does.
     void setChangeHandler(std::function<void()> handler) { changed_ = std::move(handler); }

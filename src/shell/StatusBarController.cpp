@@ -147,6 +147,12 @@ void StatusBarController::showIcon() {
 
 // What the button shows goes, then the icon comes.
 void StatusBarController::crossFadeToLastIcon() {
+    if (platform_.appearance.reducesMotion()) {
+        fade_.cancel();
+        button_.setImage(lastIconName_);
+        button_.setAlphaValue(1);
+        return;
+    }
     constexpr double kSeconds = std::chrono::duration<double>(kFade).count();
     button_.fadeTo(0, kSeconds);
     fade_ = after(kFade, [](StatusBarController& self) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/AccessibleNode.h"
+#include "platform/AccessibleNumber.h"
 
 namespace norvane {
 
@@ -22,6 +23,8 @@ struct Accessible {
     std::vector<std::pair<std::string, std::function<void()>>> actions = {};
     // What is inside tells of itself as well, below this.
     bool containsMore = false;
+    std::optional<AccessibleNumber> number = {};
+    bool isLive = false;
 };
 
 }  // namespace norvane

@@ -46,8 +46,9 @@ void HostedView::invalidate() {
 }
 
 void HostedView::perform(const std::optional<Animation>& animation, const std::function<void()>& changes) {
-    // What nobody sees does not move. A plain change inside a moving one moves along.
-    const std::optional<Animation> seen = !isOnScreen_ ? std::nullopt : animation ? animation : running_;
+    // What nobody sees does not move, nor what is not to. A plain change inside a moving one moves along.
+    const bool mayMove = isOnScreen_ && !reducesMotion();
+    const std::optional<Animation> seen = !mayMove ? std::nullopt : animation ? animation : running_;
     if (!pending_.isEmpty() && pending_.animation != seen && root_.node && !isEvaluating_) flush();
     pending_.animation = seen;
     const std::optional<Animation> outer = std::exchange(running_, seen);
@@ -205,17 +206,23 @@ Scene HostedView::sceneAt(MonotonicInstant at, bool isTold) {
     const Size size = root_.node ? root_.node->sizeAt(at) : size_;
     SceneBuilder builder(palette(), size, at, attention_,
                          isTold ? SceneBuilder::Purpose::accessibleTree : SceneBuilder::Purpose::picture,
-                         edition_);
+                         reducesMotion() ? SceneBuilder::Motion::none : SceneBuilder::Motion::all, edition_);
     if (root_.node) builder.child(root_);
     return std::move(builder).finish();
 }
 
+Scene HostedView::toldScene() {
+    evaluate();
+    if (isLayoutDue_) layOut(isFitted_ ? fitted() : size_);
+    return sceneAt(now(), true);
+}
+
 AccessibleNode HostedView::accessibleTree() {
-    return sceneAt(now(), true).accessible;
+    return toldScene().accessible;
 }
 
 bool HostedView::perform(std::string_view key, std::string_view action) {
-    const Scene scene = sceneAt(now(), true);
+    const Scene scene = toldScene();
     const auto [first, last] = scene.actions.equal_range(key);
     const auto found =
         std::find_if(first, last, [action](const auto& offered) { return offered.second.first == action; });
@@ -357,10 +364,23 @@ bool HostedView::moveFocus(bool isBackward) {
         const auto at = static_cast<std::size_t>(current - stops.begin());
         next = (at + (isBackward ? count - 1 : 1)) % count;
     }
-    const SensitiveRegion region = *stops[next];
+    focusOn(*stops[next]);
+    return true;
+}
+
+bool HostedView::focus(std::string_view key) {
+    const auto wanted = std::find_if(
+        scene_.regions.begin(), scene_.regions.end(),
+        [key](const SensitiveRegion& region) { return region.key == key && region.interaction->takesFocus; });
+    if (wanted == scene_.regions.end()) return false;
+    focusOn(*wanted);
+    return true;
+}
+
+void HostedView::focusOn(const SensitiveRegion& wanted) {
+    const SensitiveRegion region = wanted;  // a change of the attention may replace the scene
     setAttention({.pressed = attention_.pressed, .focused = region.key, .showsFocus = true});
     reveal(region);
-    return true;
 }
 
 // Scrolls what it is in so that it can be seen: the innermost area within itself, the others by what is left.

@@ -47,6 +47,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     void pointer(const PointerEvent& event) override;
     bool key(const KeyEvent& event) override;
     bool perform(std::string_view key, std::string_view action) override;
+    bool focus(std::string_view key) override;
 
  private:
     // Changes that have been made under one animation and not been evaluated yet.
@@ -66,6 +67,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     }
     void later(std::function<void()> task) override;
     MonotonicInstant now() const override { return clock_.now(); }
+    bool reducesMotion() const override { return appearance_.reducesMotion(); }
 
     void evaluate();
     void flush();
@@ -75,6 +77,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     Size fitted();
     void layOut(Size size);
     Scene sceneAt(MonotonicInstant at, bool isTold);
+    Scene toldScene();
 
     const SensitiveRegion* regionAt(Point at) const;
     void hover();
@@ -82,6 +85,7 @@ class HostedView : public SurfaceContent, private ViewHost {
     void release(Point at);
     void scroll(const PointerEvent& event);
     bool moveFocus(bool isBackward);
+    void focusOn(const SensitiveRegion& wanted);
     void reveal(const SensitiveRegion& region);
     bool pressFocused();
     void setAttention(Attention attention);

@@ -85,10 +85,11 @@ Point wayFrom(Edge edge, Size size) {
 }  // namespace
 
 SceneBuilder::SceneBuilder(const Palette& palette, Size size, MonotonicInstant now,
-                           const Attention& attention, Purpose purpose, std::uint64_t edition)
+                           const Attention& attention, Purpose purpose, Motion motion, std::uint64_t edition)
     : palette_(palette),
       now_(now),
       attention_(attention),
+      motion_(motion),
       visible_{{}, size},
       edition_(purpose == Purpose::picture ? edition : 0) {
     scene_.picture.size = size;
@@ -113,7 +114,7 @@ void SceneBuilder::child(const Child& child) {
 
 void SceneBuilder::leaving(std::size_t index, const Child& child) {
     // It is let go of at the next evaluation; until then it may be anywhere that it can be seen.
-    if (!child.presence.isMovingAt(now_)) return;
+    if (isStill() || !child.presence.isMovingAt(now_)) return;
     const bool wasInert = std::exchange(isInert_, true);
     under('~' + std::to_string(index) + '~' + child.key,
           [&] { inaccessible([&] { present(child, value(child.presence)); }); });
@@ -279,6 +280,7 @@ void SceneBuilder::sense(const Rect& frame, const std::shared_ptr<const Interact
     const Rect seen = whole.intersection(visible_);
     // What is scrolled out of sight can be reached by the keyboard all the same.
     if (seen.isEmpty() && !interaction->takesFocus) return;
+    if (isTold() && interaction->takesFocus) stopsTab_ = path_;
     scene_.regions.push_back({path_, seen, whole, interaction, radius * scale()});
 }
 
@@ -293,7 +295,10 @@ AccessibleNode SceneBuilder::tell(const Accessible& told, const Rect& frame) {
                         .isOn = told.isOn,
                         .isExpanded = told.isExpanded,
                         .isEnabled = told.isEnabled,
-                        .isFocused = !path_.empty() && attention_.focused == path_};
+                        .isFocusable = stopsTab_ == path_,
+                        .isFocused = !path_.empty() && attention_.focused == path_,
+                        .number = told.number,
+                        .isLive = told.isLive};
     for (const auto& [name, action] : told.actions) {
         node.actions.push_back(name);
         scene_.actions.emplace(path_, std::pair(name, action));
@@ -302,7 +307,7 @@ AccessibleNode SceneBuilder::tell(const Accessible& told, const Rect& frame) {
 }
 
 Scene SceneBuilder::finish() && {
-    if (livelyCount_ > kMostLively) scene_.frameRate = std::min(scene_.frameRate, kSteadyRate);
+    if (livelyCount_ > kMostLively) scene_.frameRate = std::min(scene_.frameRate, kCrowdedRate);
     if (attention_.showsFocus && !attention_.focused.empty()) {
         const auto focused =
             std::find_if(scene_.regions.begin(), scene_.regions.end(), [&](const SensitiveRegion& region) {

@@ -33,13 +33,15 @@ class SceneBuilder {
     // Where more than so many values move at once (a ring for each of many processors), nobody follows one of
     // them, and fewer pictures do.
     static constexpr int kMostLively = 96;
+    static constexpr double kCrowdedRate = 20;
 
     enum class Purpose { picture, accessibleTree };
+    enum class Motion { all, none };
 
     // `edition` is of the tree: what stood still in the last picture of the same one is taken from there. 0
     // for a tree that nothing is kept of.
     SceneBuilder(const Palette& palette, Size size, MonotonicInstant now, const Attention& attention,
-                 Purpose purpose = Purpose::picture, std::uint64_t edition = 0);
+                 Purpose purpose = Purpose::picture, Motion motion = Motion::all, std::uint64_t edition = 0);
     SceneBuilder(const SceneBuilder&) = delete;
     SceneBuilder& operator=(const SceneBuilder&) = delete;
 
@@ -48,9 +50,13 @@ class SceneBuilder {
     // Whether it is the accessible tree that is asked for.
     bool isTold() const { return accessibleParent_ != nullptr; }
 
+    // Whether nothing moves: what does otherwise is where it is going to be.
+    bool isStill() const { return motion_ == Motion::none; }
+
     // Where a value that is painted stands. One that moves wants another picture.
     template <typename T>
     T value(const Animated<T>& value) {
+        if (isStill()) return value.target();
         if (const auto animation = value.animationAt(now_)) {
             const bool isEven = animation->curve == Animation::Curve::linear;
             const bool isLively = !animation->repeats && !isEven;
@@ -63,6 +69,7 @@ class SceneBuilder {
     // the last picture is not painted again. It is at its end when it is there, and not beyond it by a step.
     double stepped(const Animated<double>& value, double step) {
         const double now = this->value(value);
+        if (isStill()) return now;
         const auto animation = value.animationAt(now_);
         if (!animation || animation->repeats || !(step > 0)) return now;
         const double target = value.target();
@@ -206,6 +213,7 @@ class SceneBuilder {
     const Palette palette_;
     const MonotonicInstant now_;
     const Attention& attention_;
+    const Motion motion_;
     Scene scene_;
     std::vector<DisplayItem> items_;  // of the innermost group
     std::optional<RoundedRect> clip_;
@@ -219,6 +227,7 @@ class SceneBuilder {
     int livelyCount_ = 0;
     bool moves_ = false;                          // something in the part of the tree that is being built
     AccessibleNode* accessibleParent_ = nullptr;  // null where nothing is told
+    std::optional<std::string> stopsTab_;         // the last element that can have the keyboard
 };
 
 }  // namespace norvane

@@ -32,7 +32,11 @@ struct Scrolling {
         if (std::isnan(target)) return false;
         const double bounded = std::clamp(target, 0.0, most());
         if (bounded == offset.target()) return false;
-        offset.animateTo(bounded, kGlide, host->now());
+        if (host->reducesMotion()) {
+            offset.jumpTo(bounded);
+        } else {
+            offset.animateTo(bounded, kGlide, host->now());
+        }
         host->repaint();
         return true;
     }

@@ -32,7 +32,7 @@ class SpinnerNode final : public Node {
     }
 
     void paint(SceneBuilder& scene, const Rect& frame) const override {
-        scene.wantFrames(SceneBuilder::kSteadyRate);
+        if (!scene.isStill()) scene.wantFrames(SceneBuilder::kSteadyRate);
         scene.accessible(told_, frame, [&] { paintArcs(scene, frame); });
     }
 
@@ -44,7 +44,9 @@ class SpinnerNode final : public Node {
         const Arc track{{frame.midX(), frame.midY()}, (side - width) / 2, 0, 1};
         scene.stroke(track, {.width = width}, color.withOpacity(kTrackOpacity));
         Arc arc = track;
-        arc.from = std::chrono::duration<double>(scene.now().time_since_epoch() % kTurn) / kTurn;
+        if (!scene.isStill()) {
+            arc.from = std::chrono::duration<double>(scene.now().time_since_epoch() % kTurn) / kTurn;
+        }
         arc.to = arc.from + kLength;
         scene.stroke(arc, {.width = width, .cap = LineCap::round}, color);
     }

@@ -48,9 +48,13 @@ Element sides(const Step& down, const Step& up) {
 // One thing to the keyboard and to those who do not see it.
 class StepperNode final : public WrappingNode {
  public:
-    StepperNode(const StepperOptions& options, Step down, Step up)
+    StepperNode(const StepperOptions& options, double value, Step down, Step up)
         : WrappingNode(sides(down, up)),
           told_{.role = AccessibleRole::spinButton, .name = options.name, .value = options.valueText} {
+        told_.number = {.now = value,
+                        .least = options.stepping.least,
+                        .most = options.stepping.most,
+                        .step = options.stepping.step};
         if (up) told_.actions.emplace_back("increment", up);
         if (down) told_.actions.emplace_back("decrement", down);
         auto interaction = std::make_shared<Interaction>();
@@ -79,7 +83,8 @@ class StepperNode final : public WrappingNode {
 }  // namespace
 
 Element stepper(const StepperOptions& options, double value, std::function<void(double)> changed) {
-    return Element(std::make_unique<StepperNode>(options, stepTo(options.stepping.down(value), changed),
+    return Element(std::make_unique<StepperNode>(options, value,
+                                                 stepTo(options.stepping.down(value), changed),
                                                  stepTo(options.stepping.up(value), changed)));
 }
 

@@ -28,6 +28,8 @@ class ViewHost {
     // again.
     virtual void later(std::function<void()> task) = 0;
     virtual MonotonicInstant now() const = 0;
+    // Everything is in its place at once, and nothing moves by itself.
+    virtual bool reducesMotion() const = 0;
 };
 
 }  // namespace norvane

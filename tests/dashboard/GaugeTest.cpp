@@ -150,8 +150,8 @@ TEST(Gauge, BreathesInAndOutInFourSeconds) {
         EXPECT_NEAR(bar.all<DrawShadow>()[0].color.alpha, c.barOpacity, 1e-6);
         EXPECT_NEAR(ring.all<DrawShadow>()[0].radius, c.ringRadius, 1e-6);
         EXPECT_NEAR(ring.all<DrawShadow>()[0].color.alpha, c.ringOpacity, 1e-6);
-        EXPECT_EQ(bar.view.frameRate(), 30);
-        EXPECT_EQ(ring.view.frameRate(), 30);
+        EXPECT_EQ(bar.view.frameRate(), 15);
+        EXPECT_EQ(ring.view.frameRate(), 15);
     }
 }
 

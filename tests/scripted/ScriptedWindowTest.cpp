@@ -30,6 +30,7 @@ class CountedContent final : public SurfaceContent {
     }
     bool key(const KeyEvent&) override { return false; }
     bool perform(std::string_view, std::string_view) override { return false; }
+    bool focus(std::string_view) override { return false; }
     void change() { tellChanged(); }
     Size most() const { return most_; }
 

@@ -146,7 +146,7 @@ TEST_F(DashboardTest, FramesAreMadeWhileItIsOpenAndSomethingMovesAndNeverWhileIt
         double rate;
     };
     for (const Case& c : {Case{"the graph glides", "click", 30},
-                          {"the bar breathes", "click RAM", 30},
+                          {"the bar breathes", "click RAM", 15},
                           {"no panel", "click CPU", 0}}) {
         restart();
         actAll(c.words);

@@ -68,6 +68,7 @@ TEST_F(AccessibilityTest, TellsASmallScreenAsItStands) {
     toggle.isOn = true;
     toggle.isExpanded = false;
     toggle.actions = {"press", "increment"};
+    toggle.isFocusable = true;
     toggle.isFocused = true;
     want.children.push_back(toggle);
     const AccessibleNode told = tree();

@@ -64,19 +64,41 @@ TEST_F(FramesTest, AreWantedWhileSomethingMovesAndNoLonger) {
     }
     view_.animate(Animation::easeInOut(2).foreverThereAndBack(), [&] { glow_ = 8; });
     paint();
-    EXPECT_EQ(view_.frameRate(), 30) << "breathing";
-    EXPECT_EQ(rateAfter(24h), 30);
+    EXPECT_EQ(view_.frameRate(), 15) << "breathing";
+    EXPECT_EQ(rateAfter(24h), 15);
     view_.animate(spring, [&] { height_ += 5; });
     paint();
     EXPECT_EQ(view_.frameRate(), 60) << "the livelier one counts";
-    EXPECT_EQ(rateAfter(2s), 30);
+    EXPECT_EQ(rateAfter(2s), 15);
     view_.disappear();
     EXPECT_EQ(view_.frameRate(), 0) << "nobody looks";
     show();
-    EXPECT_EQ(view_.frameRate(), 30) << "and breathes on";
+    EXPECT_EQ(view_.frameRate(), 15) << "and breathes on";
     view_.animate(Animation::easeOut(0.1), [&] { glow_ = 2; });
     paint();
     EXPECT_EQ(rateAfter(200ms), 0);
+}
+
+TEST_F(FramesTest, NothingMovesForAUserWhoWantsNoMotion) {
+    show();
+    view_.animate(Animation::easeInOut(2).foreverThereAndBack(), [&] { glow_ = 8; });
+    paint();
+    EXPECT_EQ(view_.frameRate(), 15);
+    machine_.appearance.setReducesMotion(true);
+    paint();
+    EXPECT_EQ(view_.frameRate(), 0) << "what breathed stands";
+    const DisplayList before = picture_;
+    view_.animate(Animation::easeOut(1), [&] { offset_ = 30; });
+    paint();
+    EXPECT_NE(picture_, before) << "at once";
+    EXPECT_EQ(rateAfter(10ms), 0);
+    const DisplayList there = picture_;
+    advance(2s);
+    paint();
+    EXPECT_EQ(picture_, there);
+    machine_.appearance.setReducesMotion(false);
+    paint();
+    EXPECT_EQ(view_.frameRate(), 15) << "and breathes again";
 }
 
 TEST_F(FramesTest, AStillScreenIsTheSamePictureWheneverItIsPainted) {

@@ -21,6 +21,7 @@ class SwitchedAppearance final : public Appearance {
  public:
     bool isDark() const override { return isDark_; }
     std::optional<Color> accentColor() const override { return std::nullopt; }
+    bool reducesMotion() const override { return false; }
     Cancellation onDidChange(std::function<void()> observer) override {
         return changed_.add(std::move(observer));
     }

@@ -57,6 +57,7 @@ class SwatchContent final : public SurfaceContent {
         return usesKeys;
     }
     bool perform(std::string_view, std::string_view) override { return false; }
+    bool focus(std::string_view) override { return false; }
 };
 
 }  // namespace norvane

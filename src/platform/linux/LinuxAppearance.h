@@ -21,6 +21,7 @@ class LinuxAppearance final : public Appearance {
 
     bool isDark() const override;
     std::optional<Color> accentColor() const override;
+    bool reducesMotion() const override { return false; }
     [[nodiscard]] Cancellation onDidChange(std::function<void()> observer) override;
 
  private:

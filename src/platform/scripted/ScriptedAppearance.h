@@ -7,11 +7,12 @@
 
 namespace norvane {
 
-// A desktop that is light until a test turns it dark, and has no accent colour until a test chooses one.
+// A desktop that is light, without an accent colour and with motion until a test says otherwise.
 class ScriptedAppearance final : public Appearance {
  public:
     bool isDark() const override { return dark_; }
     std::optional<Color> accentColor() const override { return accent_; }
+    bool reducesMotion() const override { return reducesMotion_; }
     Cancellation onDidChange(std::function<void()> observer) override {
         return changed_.add(std::move(observer));
     }
@@ -24,10 +25,15 @@ class ScriptedAppearance final : public Appearance {
         accent_ = accent;
         changed_.tell();
     }
+    void setReducesMotion(bool reduces) {
+        reducesMotion_ = reduces;
+        changed_.tell();
+    }
 
  private:
     bool dark_ = false;
     std::optional<Color> accent_;
+    bool reducesMotion_ = false;
     Observers<> changed_;
 };
 
