@@ -32,7 +32,7 @@ class SurfaceContent {
     // How many pictures a second the last one is followed by without anything having changed; 0 where it
     // stands still.
     virtual double frameRate() const = 0;
-    // The tree of this moment, whether or not there is a picture of it yet.
+    // The tree of this moment: of what is shown, whether or not there is a picture of the last change yet.
     virtual AccessibleNode accessibleTree() = 0;
 
     // Positions are those of the last picture.

@@ -211,18 +211,16 @@ Scene HostedView::sceneAt(MonotonicInstant at, bool isTold) {
     return std::move(builder).finish();
 }
 
-Scene HostedView::toldScene() {
-    evaluate();
-    if (isLayoutDue_) layOut(isFitted_ ? fitted() : size_);
-    return sceneAt(now(), true);
-}
-
 AccessibleNode HostedView::accessibleTree() {
-    return toldScene().accessible;
+    if (isOnScreen_) {
+        evaluate();
+        if (isLayoutDue_) layOut(isFitted_ ? fitted() : size_);
+    }
+    return sceneAt(now(), true).accessible;
 }
 
 bool HostedView::perform(std::string_view key, std::string_view action) {
-    const Scene scene = toldScene();
+    const Scene scene = sceneAt(now(), true);
     const auto [first, last] = scene.actions.equal_range(key);
     const auto found =
         std::find_if(first, last, [action](const auto& offered) { return offered.second.first == action; });

@@ -77,7 +77,6 @@ class HostedView : public SurfaceContent, private ViewHost {
     Size fitted();
     void layOut(Size size);
     Scene sceneAt(MonotonicInstant at, bool isTold);
-    Scene toldScene();
 
     const SensitiveRegion* regionAt(Point at) const;
     void hover();

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/BusExport.h"
 #include "platform/linux/Deadline.h"
 #include "platform/linux/GErrorPointer.h"
 #include "platform/linux/GObjectPointer.h"
@@ -56,45 +57,6 @@ struct Subscription {
     guint number = 0;
 };
 
-struct NodeInfoDeleter {
-    void operator()(GDBusNodeInfo* info) const { g_dbus_node_info_unref(info); }
-};
-
-struct ExportedObject {
-    BusConnection::Object object;
-    std::unique_ptr<GDBusNodeInfo, NodeInfoDeleter> description;
-    // 0 while there is no connection.
-    guint number = 0;
-};
-
-using WeakObject = std::weak_ptr<ExportedObject>;
-
-void answerCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
-                GVariant* arguments, GDBusMethodInvocation* invocation, gpointer weak) {
-    const auto exported = static_cast<WeakObject*>(weak)->lock();
-    const auto function = exported ? exported->object.called : nullptr;  // the call may end the object
-    if (!function) {
-        g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT,
-                                                      "The object is gone");
-    } else if (GVariant* const answer = function(method, arguments)) {
-        g_dbus_method_invocation_return_value(invocation, answer);
-    } else {
-        g_dbus_method_invocation_return_error_literal(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
-                                                      "There is nothing of that kind");
-    }
-}
-
-GVariant* readProperty(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* property,
-                       GError** error, gpointer weak) {
-    const auto exported = static_cast<WeakObject*>(weak)->lock();
-    const auto function = exported ? exported->object.read : nullptr;
-    GVariant* const value = function ? function(property) : nullptr;
-    if (value == nullptr) {
-        g_set_error_literal(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_PROPERTY, "The property has no value");
-    }
-    return value;
-}
-
 }  // namespace
 
 // What GLib calls back holds a weak pointer to it, so that an answer may come after it is gone.
@@ -114,7 +76,8 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     Observers<State>& observers() { return observers_; }
     Cancellation call(const Call& call, Answered answered);
     Cancellation onSignal(const Signal& signal, std::function<void(GVariant*)> received);
-    Cancellation exportObject(Object object);
+    Cancellation add(std::shared_ptr<BusExport> exported);
+    GDBusConnection* connection() const { return connection_.get(); }
     void emit(const char* path, const char* interface, const char* signal, GVariant* parameters);
 
  private:
@@ -137,8 +100,6 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
               std::shared_ptr<Asker> asker);
     void subscribe(const std::shared_ptr<Subscription>& subscription);
     void unsubscribe(Subscription& subscription);
-    void registerObject(const std::shared_ptr<ExportedObject>& exported);
-    void unregisterObject(ExportedObject& exported);
 
     MainQueue& mainQueue_;
     const std::string address_;
@@ -160,7 +121,7 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     std::map<std::uint64_t, WaitingCall> waiting_;
     std::uint64_t callCount_ = 0;
     std::list<std::shared_ptr<Subscription>> subscriptions_;
-    std::list<std::shared_ptr<ExportedObject>> objects_;
+    std::list<std::shared_ptr<BusExport>> exports_;
 };
 
 BusConnection::Link::~Link() {
@@ -169,8 +130,8 @@ BusConnection::Link::~Link() {
         unsubscribe(*subscription);
         subscription->received = nullptr;
     }
-    for (const auto& exported : objects_)
-        unregisterObject(*exported);
+    for (const auto& exported : exports_)
+        exported->leave(connection_.get());
     if (!connection_) return;
     g_signal_handler_disconnect(connection_.get(), closedHandler_);
     g_dbus_connection_close(connection_.get(), nullptr, nullptr, nullptr);
@@ -238,8 +199,8 @@ void BusConnection::Link::succeeded(GObjectPointer<GDBusConnection> connection) 
     // Before anything is asked, so that no change can fall between an answer and the first signal.
     for (const auto& subscription : subscriptions_)
         subscribe(subscription);
-    for (const auto& exported : objects_)
-        registerObject(exported);
+    for (const auto& exported : exports_)
+        exported->enter(connection_.get());
     for (auto& [number, each] : std::exchange(waiting_, {})) {
         if (each.asker->answered) send(each.call, each.parameters.get(), each.deadline, each.asker);
     }
@@ -256,8 +217,8 @@ void BusConnection::Link::closed(GDBusConnection* connection, gboolean, GError*,
 void BusConnection::Link::lose() {
     for (const auto& subscription : subscriptions_)
         unsubscribe(*subscription);
-    for (const auto& exported : objects_)
-        unregisterObject(*exported);
+    for (const auto& exported : exports_)
+        exported->leave(connection_.get());
     g_signal_handler_disconnect(connection_.get(), closedHandler_);
     connection_.reset();
     if (clock_.now() - connectedAt_ >= kSteady) pause_ = pace_.firstPause;
@@ -357,32 +318,16 @@ void BusConnection::Link::received(GDBusConnection*, const gchar*, const gchar*,
     function(parameters);
 }
 
-Cancellation BusConnection::Link::exportObject(Object object) {
-    const auto exported = std::make_shared<ExportedObject>(ExportedObject{std::move(object), nullptr});
-    exported->description.reset(g_dbus_node_info_new_for_xml(exported->object.description, nullptr));
-    objects_.push_back(exported);
-    if (connection_) registerObject(exported);
-    return Cancellation([weak = weak_from_this(), exported] {
-        exported->object.called = nullptr;
-        exported->object.read = nullptr;
-        if (const auto link = weak.lock()) {
-            link->unregisterObject(*exported);
-            link->objects_.remove(exported);
-        }
+Cancellation BusConnection::Link::add(std::shared_ptr<BusExport> exported) {
+    exports_.push_back(exported);
+    if (connection_) exported->enter(connection_.get());
+    return Cancellation([weak = weak_from_this(), exported = std::move(exported)] {
+        exported->end();
+        const auto link = weak.lock();
+        if (!link) return;
+        if (link->connection_) exported->leave(link->connection_.get());
+        link->exports_.remove(exported);
     });
-}
-
-void BusConnection::Link::registerObject(const std::shared_ptr<ExportedObject>& exported) {
-    if (!exported->description || exported->description->interfaces[0] == nullptr) return;
-    static constexpr GDBusInterfaceVTable kFunctions{answerCall, readProperty, nullptr, {}};
-    exported->number = g_dbus_connection_register_object(
-        connection_.get(), exported->object.path, exported->description->interfaces[0], &kFunctions,
-        new WeakObject(exported), [](gpointer weak) { delete static_cast<WeakObject*>(weak); }, nullptr);
-}
-
-void BusConnection::Link::unregisterObject(ExportedObject& exported) {
-    if (exported.number == 0) return;
-    g_dbus_connection_unregister_object(connection_.get(), std::exchange(exported.number, 0));
 }
 
 void BusConnection::Link::emit(const char* path, const char* interface, const char* signal,
@@ -439,7 +384,17 @@ Cancellation BusConnection::onSignal(const Signal& signal, std::function<void(GV
 }
 
 Cancellation BusConnection::exportObject(Object object) {
-    return link_->exportObject(std::move(object));
+    return link_->add(BusExport::of(std::move(object)));
+}
+
+Cancellation BusConnection::exportFamily(Family family) {
+    return link_->add(BusExport::of(std::move(family)));
+}
+
+std::string BusConnection::uniqueName() const {
+    GDBusConnection* const connection = link_->connection();
+    const gchar* const name = connection != nullptr ? g_dbus_connection_get_unique_name(connection) : nullptr;
+    return name != nullptr ? name : "";
 }
 
 void BusConnection::emit(const char* path, const char* interface, const char* signal, GVariant* parameters) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Cancellation.h"
 #include "platform/MainQueue.h"
@@ -54,6 +55,8 @@ class BusConnection {
         down,
     };
     State state() const;
+    // The name that the bus has given to the connection of now; empty without one.
+    std::string uniqueName() const;
     // Told of every change, the first one always after the construction has returned.
     [[nodiscard]] Cancellation onStateChange(std::function<void(State)> observer);
 
@@ -108,6 +111,31 @@ class BusConnection {
     };
     // The object is there over every connection that is yet to come. Its functions may end it.
     [[nodiscard]] Cancellation exportObject(Object object);
+
+    // Objects of ours that come and go right below a path, each with some of the interfaces of one
+    // description. Names are the last parts of their paths, as they stand in the messages: any may be asked
+    // for.
+    struct Family {
+        // A literal.
+        const char* path;
+        // Introspection data in XML, with all interfaces that any of them has.
+        const char* description;
+        // Those of the object of that name; none where there is no such object.
+        std::function<std::vector<std::string_view>(std::string_view name)> interfaces;
+        // As with a single object, for an interface that the object has.
+        std::function<GVariant*(std::string_view name, std::string_view interface, std::string_view method,
+                                GVariant* arguments)>
+            called;
+        std::function<GVariant*(std::string_view name, std::string_view interface, std::string_view property)>
+            read;
+        // Takes a value for a property that the description says can be written. False where it is refused.
+        std::function<bool(std::string_view name, std::string_view interface, std::string_view property,
+                           GVariant* value)>
+            write;
+    };
+    // The family is there over every connection that is yet to come. Its functions may end it.
+    [[nodiscard]] Cancellation exportFamily(Family family);
+
     // Sends a signal of such an object to whoever follows it. The parameters are a tuple, which is taken over
     // if it is floating; null for none. Without a connection there is nobody to send it to.
     void emit(const char* path, const char* interface, const char* signal, GVariant* parameters = nullptr);
