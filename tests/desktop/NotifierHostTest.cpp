@@ -55,8 +55,8 @@ class NotifierHostTest : public testing::Test {
 
     std::unique_ptr<NotifierHost> makeHost() {
         return std::make_unique<NotifierHost>(
-            Desk{*x11, *screen, *light, ownWindows, *presses, *keyboard, layouts, memory, appearance, clock,
-                 queue},
+            Desk{*x11, *screen, *light, ownWindows, accessibleSurfaces, *presses, *keyboard, layouts, memory,
+                 appearance, clock, queue},
             connection, 1,
             NotifierHost::Handlers{
                 .clicked = [this] { ++clicks; }, .registered = [] {}, .refused = [] { ADD_FAILURE(); }});
@@ -97,6 +97,7 @@ class NotifierHostTest : public testing::Test {
     std::unique_ptr<X11Screen> screen;
     std::unique_ptr<X11ScreenLight> light;
     OwnWindows ownWindows;
+    AccessibleSurfaces accessibleSurfaces;
     std::unique_ptr<OutsidePresses> presses;
     std::unique_ptr<Keyboard> keyboard;
     TextLayouts layouts;

@@ -18,12 +18,13 @@ class TrayTest : public DesktopTest {
               outsidePresses(*test.connection_, ownWindows),
               keyboard(*test.connection_),
               memory(test.layouts_, test.mainQueue_),
-              desk{*test.connection_, screen,      light,          ownWindows,
-                   outsidePresses,    keyboard,    test.layouts_,  memory,
-                   test.appearance_,  test.clock_, test.mainQueue_} {}
+              desk{*test.connection_, screen,         light,         ownWindows, accessibleSurfaces,
+                   outsidePresses,    keyboard,       test.layouts_, memory,     test.appearance_,
+                   test.clock_,       test.mainQueue_} {}
         X11Screen screen;
         X11ScreenLight light;
         OwnWindows ownWindows;
+        AccessibleSurfaces accessibleSurfaces;
         OutsidePresses outsidePresses;
         Keyboard keyboard;
         DrawingMemory memory;

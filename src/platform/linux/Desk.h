@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Appearance.h"
+#include "platform/linux/AccessibleSurfaces.h"
 #include "platform/linux/DrawingMemory.h"
 #include "platform/linux/Keyboard.h"
 #include "platform/linux/OutsidePresses.h"
@@ -20,6 +21,7 @@ struct Desk {
     X11Screen& screen;
     ScreenLight& light;
     OwnWindows& ownWindows;
+    AccessibleSurfaces& accessibleSurfaces;
     OutsidePresses& outsidePresses;
     Keyboard& keyboard;
     TextLayouts& layouts;

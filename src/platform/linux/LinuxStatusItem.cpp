@@ -3,16 +3,32 @@
 namespace norvane {
 
 LinuxStatusItem::LinuxStatusItem(const Desk& desk, BusConnection& sessionBus, double length)
-    : hosts_(desk, sessionBus,
+    : desk_(desk),
+      hosts_(desk, sessionBus,
              {.clicked = [this] { clicked(); },
               .changed = [this] { hostChanged(); },
-              .placed = [this] { appeared_.tell(); }}) {
+              .placed = [this] { placed(); }}) {
     hosts_.setLength(length);
+    accessible_ = desk_.accessibleSurfaces.add({.content = [this] { return content_; },
+                                                .frame = [this] { return frameOnScreen(); },
+                                                .hasKeyboard = [] { return false; },
+                                                .press = [this] { clicked(); }});
 }
 
 // The action may end the item.
 void LinuxStatusItem::clicked() const {
     if (const auto action = action_) action();
+}
+
+void LinuxStatusItem::placed() {
+    desk_.accessibleSurfaces.changed();
+    appeared_.tell();
+}
+
+// A panel that shows the item by itself tells of it by itself.
+std::optional<PixelRect> LinuxStatusItem::frameOnScreen() const {
+    const auto frame = knowsItsPresses() ? buttonFrame() : std::nullopt;
+    return frame ? std::optional(pixelsCovering(*frame, desk_.screen.scale())) : std::nullopt;
 }
 
 void LinuxStatusItem::hostChanged() {
@@ -25,6 +41,7 @@ void LinuxStatusItem::hostChanged() {
 
 void LinuxStatusItem::setContent(SurfaceContent* content) {
     content_ = content;
+    desk_.accessibleSurfaces.changed();
     if (StatusItemHost* const host = hosts_.host()) host->setContent(content);
 }
 

@@ -30,13 +30,17 @@ class LinuxStatusItem final : public StatusItem {
  private:
     void clicked() const;
     void hostChanged();
+    void placed();
+    std::optional<PixelRect> frameOnScreen() const;
 
+    Desk desk_;
     SurfaceContent* content_ = nullptr;
     std::function<void()> action_;
     std::string toolTip_;
     std::vector<StatusMenuItem> menu_;
     Observers<> appeared_;
     StatusItemHosts hosts_;
+    Cancellation accessible_;
 };
 
 }  // namespace norvane

@@ -16,6 +16,7 @@ class PopoverFocus {
     void want();
     // Whether the window has it, or is to get it.
     bool isWanted() const { return wants_ || has_; }
+    bool has() const { return has_; }
 
     // The window came onto the screen; the pointer came into it; one of its properties changed.
     void mapped(xcb_window_t window);

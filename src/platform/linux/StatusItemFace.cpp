@@ -29,7 +29,12 @@ StatusItemFace::~StatusItemFace() {
 void StatusItemFace::setContent(SurfaceContent* content) {
     if (content_ != nullptr) content_->setChangeHandler(nullptr);
     content_ = content;
-    if (content_ != nullptr) content_->setChangeHandler([this] { updateSoon(); });
+    if (content_ != nullptr) {
+        content_->setChangeHandler([this] {
+            updateSoon();
+            desk_.accessibleSurfaces.changed();
+        });
+    }
     updateSoon();
 }
 

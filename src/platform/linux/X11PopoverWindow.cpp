@@ -74,7 +74,7 @@ X11PopoverWindow::~X11PopoverWindow() {
 void X11PopoverWindow::place(const Rect& anchor) {
     if (stage_ == Stage::out) {
         stage_ = Stage::placed;
-        content_.setChangeHandler([this] { repaintSoon(); });
+        content_.setChangeHandler([this] { contentChanged(); });
     }
     place_ = PopoverPlace(anchor, desk_.screen.visibleFrame({anchor.midX(), anchor.midY()}));
     measure();
@@ -101,6 +101,9 @@ void X11PopoverWindow::orderFront() {
     xcb_map_window(server, window_);
     surface_.present();
     shown_ = desk_.ownWindows.add(window_, panelOnScreen());
+    accessible_ = desk_.accessibleSurfaces.add({.content = [this] { return &content_; },
+                                                .frame = [this] { return std::optional(panelOnScreen()); },
+                                                .hasKeyboard = [this] { return focus_.has(); }});
     if (desk_.outsidePresses.isAvailable()) {
         outsidePresses_ = desk_.outsidePresses.onPress([this] { observer_.windowPressedOutside(); });
     } else {
@@ -112,6 +115,7 @@ void X11PopoverWindow::orderFront() {
 void X11PopoverWindow::orderOut() {
     if (stage_ == Stage::out) return;
     stage_ = Stage::out;
+    accessible_.cancel();
     content_.setChangeHandler(nullptr);
     repaint_.cancel();
     isRepaintDue_ = false;
@@ -276,6 +280,7 @@ void X11PopoverWindow::followPlace() {
 void X11PopoverWindow::putAt(int x, int y) {
     placed_ = Corner{x, y};
     desk_.ownWindows.move(window_, panelOnScreen());
+    desk_.accessibleSurfaces.changed();
 }
 
 void X11PopoverWindow::destroyWindow() {
@@ -374,6 +379,11 @@ bool X11PopoverWindow::canBeSeen() const {
     return visibility_ != XCB_VISIBILITY_FULLY_OBSCURED && !isUnmapped_;
 }
 
+void X11PopoverWindow::contentChanged() {
+    repaintSoon();
+    desk_.accessibleSurfaces.changed();
+}
+
 void X11PopoverWindow::repaintSoon() {
     if (stage_ != Stage::shown || std::exchange(isRepaintDue_, true)) return;
     repaint_ = desk_.mainQueue.after(0ns, [this] { repaint(); });
@@ -448,8 +458,10 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
             return;
         case XCB_FOCUS_IN:
             focus_.came(eventAs<xcb_focus_in_event_t>(event));
+            desk_.accessibleSurfaces.changed();
             return;
         case XCB_FOCUS_OUT:
+            desk_.accessibleSurfaces.changed();
             if (!focus_.left(eventAs<xcb_focus_out_event_t>(event)) || stage_ != Stage::shown) return;
             // Presses on windows of others may not be told of at all where popovers are managed.
             if (desk_.connection.hasManagedPopovers()) {

@@ -76,6 +76,7 @@ class X11PopoverWindow final : public PopoverWindow {
     void adapt();
 
     bool canBeSeen() const;
+    void contentChanged();
     void repaintSoon();
     void repaint();
     void paint();
@@ -113,6 +114,7 @@ class X11PopoverWindow final : public PopoverWindow {
     Cancellation repaint_;
     Cancellation events_;
     Cancellation shown_;
+    Cancellation accessible_;
     Cancellation keptMemory_;
     Cancellation dropMemory_;
     Cancellation outsidePresses_;

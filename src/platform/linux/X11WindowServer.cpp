@@ -18,8 +18,10 @@ X11WindowServer::X11WindowServer(X11Connection& connection, BusConnection& sessi
       outsidePresses_(connection, ownWindows_),
       keyboard_(connection),
       memory_(layouts, mainQueue),
-      desk_{connection, screen_, light_,     ownWindows_, outsidePresses_, keyboard_,
-            layouts,    memory_, appearance, clock,       mainQueue} {}
+      desk_{connection,      screen_,   light_,  ownWindows_, accessibleSurfaces_,
+            outsidePresses_, keyboard_, layouts, memory_,     appearance,
+            clock,           mainQueue},
+      accessibility_(sessionBus, mainQueue, clock, accessibleSurfaces_, [this] { return screen_.scale(); }) {}
 
 std::unique_ptr<StatusItem> X11WindowServer::statusItemWithLength(double points) {
     return std::make_unique<LinuxStatusItem>(desk_, sessionBus_, points);

@@ -2,6 +2,7 @@
 
 #include "platform/linux/BusConnection.h"
 #include "platform/linux/Desk.h"
+#include "platform/linux/LinuxAccessibility.h"
 #include "platform/linux/LockedScreenLight.h"
 #include "platform/linux/SessionLock.h"
 #include "platform/linux/X11ScreenLight.h"
@@ -28,10 +29,12 @@ class X11WindowServer final : public WindowServer {
     X11ScreenLight display_;
     LockedScreenLight light_;
     OwnWindows ownWindows_;
+    AccessibleSurfaces accessibleSurfaces_;
     OutsidePresses outsidePresses_;
     Keyboard keyboard_;
     DrawingMemory memory_;
     Desk desk_;
+    LinuxAccessibility accessibility_;
 };
 
 }  // namespace norvane
