@@ -2,10 +2,14 @@
 
 #include <gio/gio.h>
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "linux/RunLoop.h"
+#include "platform/linux/GVariantPointer.h"
 #include "platform/linux/LinuxAppearance.h"
 #include "platform/linux/LinuxMainQueue.h"
 
@@ -35,7 +39,8 @@ class Portal {
     enum class Answers { atOnce, never };
 
     Portal(const std::string& address, Knows knows, Answers answers, GVariant* colorScheme)
-        : knows_(knows), answers_(answers), value_(g_variant_ref_sink(colorScheme)) {
+        : knows_(knows), answers_(answers) {
+        set("org.freedesktop.appearance", "color-scheme", colorScheme);
         connection_ = connectTo(address);
         GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(kDescription, nullptr);
         static const GDBusInterfaceVTable calls{&Portal::called, nullptr, nullptr, {}};
@@ -50,8 +55,6 @@ class Portal {
             g_object_unref(each);
         g_dbus_connection_close_sync(connection_, nullptr, nullptr);
         g_object_unref(connection_);
-        g_variant_unref(value_);
-        if (accent_ != nullptr) g_variant_unref(accent_);
     }
     Portal(const Portal&) = delete;
     Portal& operator=(const Portal&) = delete;
@@ -63,7 +66,11 @@ class Portal {
     }
     void emitColorScheme(GVariant* value) { emit("org.freedesktop.appearance", "color-scheme", value); }
     void emitAccentColor(GVariant* value) { emit("org.freedesktop.appearance", "accent-color", value); }
-    void setAccentColor(GVariant* value) { accent_ = g_variant_ref_sink(value); }
+    // What it knows, from the start or from now on.
+    void set(const char* group, const char* key, GVariant* value) {
+        settings_[{group, key}].reset(g_variant_ref_sink(value));
+    }
+    void setAccentColor(GVariant* value) { set("org.freedesktop.appearance", "accent-color", value); }
     void answerAll() {
         for (GDBusMethodInvocation* const each : unanswered_)
             answer(each);
@@ -73,8 +80,11 @@ class Portal {
     int readOneCalls = 0;
     int readCalls = 0;
     int accentCalls = 0;
+    int otherCalls = 0;
 
  private:
+    using Name = std::pair<std::string, std::string>;  // group and key
+
     void callBus(const char* method, GVariant* parameters) {
         GVariant* const result = g_dbus_connection_call_sync(
             connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
@@ -85,11 +95,12 @@ class Portal {
     static void called(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* method,
                        GVariant* parameters, GDBusMethodInvocation* invocation, gpointer portal) {
         auto& self = *static_cast<Portal*>(portal);
-        const gchar* group = nullptr;
-        g_variant_get_child(parameters, 0, "&s", &group);
-        EXPECT_STREQ(group, "org.freedesktop.appearance");
         const bool isReadOne = std::string_view(method) == "ReadOne";
-        ++(!isScheme(parameters) ? self.accentCalls : isReadOne ? self.readOneCalls : self.readCalls);
+        const std::string key = nameIn(parameters).second;
+        ++(key == "accent-color"   ? self.accentCalls
+           : key != "color-scheme" ? self.otherCalls
+           : isReadOne             ? self.readOneCalls
+                                   : self.readCalls);
         if (self.answers_ == Answers::never) {
             self.unanswered_.push_back(invocation);
         } else if (isReadOne ? self.knows_ == Knows::readOnly : self.knows_ == Knows::readOneOnly) {
@@ -100,18 +111,16 @@ class Portal {
         }
     }
 
-    static bool isScheme(GVariant* parameters) {
+    static Name nameIn(GVariant* parameters) {
+        const gchar* group = nullptr;
         const gchar* key = nullptr;
-        g_variant_get_child(parameters, 1, "&s", &key);
-        const bool isScheme = std::string_view(key) == "color-scheme";
-        EXPECT_TRUE(isScheme || std::string_view(key) == "accent-color") << key;
-        return isScheme;
+        g_variant_get(parameters, "(&s&s)", &group, &key);
+        return {group, key};
     }
 
     void answer(GDBusMethodInvocation* invocation) {
         const std::string_view method = g_dbus_method_invocation_get_method_name(invocation);
-        GVariant* const set =
-            isScheme(g_dbus_method_invocation_get_parameters(invocation)) ? value_ : accent_;
+        GVariant* const set = settings_[nameIn(g_dbus_method_invocation_get_parameters(invocation))].get();
         if (set == nullptr) {
             g_dbus_method_invocation_return_dbus_error(invocation, "org.freedesktop.portal.Error.NotFound",
                                                        "no such setting");
@@ -123,8 +132,7 @@ class Portal {
 
     const Knows knows_;
     const Answers answers_;
-    GVariant* const value_;
-    GVariant* accent_ = nullptr;  // the portal knows no such setting
+    std::map<Name, GVariantPointer> settings_;
     GDBusConnection* connection_ = nullptr;
     guint object_ = 0;
     std::vector<GDBusMethodInvocation*> unanswered_;
@@ -143,6 +151,7 @@ class AppearanceTest : public testing::Test {
 
     std::string address;
     LinuxMainQueue queue;
+    Published<XSettings> xSettings;
 
  private:
     GTestDBus* const bus_;
@@ -170,7 +179,7 @@ TEST_F(AppearanceTest, IsAskedOfNewAndOldPortals) {
           Case{"a number of the future", Portal::Knows::both, 3, false, 0}}) {
         Portal portal(address, c.knows, Portal::Answers::atOnce, scheme(c.scheme));
         BusConnection bus(queue, address, kAtOnce);
-        LinuxAppearance appearance(bus);
+        LinuxAppearance appearance(bus, xSettings);
         EXPECT_FALSE(appearance.isDark()) << c.name;
         int told = 0;
         const auto subscription = appearance.onDidChange([&] { ++told; });
@@ -189,7 +198,7 @@ TEST_F(AppearanceTest, IsAskedOfNewAndOldPortals) {
 TEST_F(AppearanceTest, FollowsTheSettingAndNothingElse) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(2));
     BusConnection bus(queue, address, kAtOnce);
-    LinuxAppearance appearance(bus);
+    LinuxAppearance appearance(bus, xSettings);
     int told = 0;
     const auto subscription = appearance.onDidChange([&] { ++told; });
     ASSERT_TRUE(runUntil([&] { return portal.readOneCalls == 1; }));
@@ -198,6 +207,7 @@ TEST_F(AppearanceTest, FollowsTheSettingAndNothingElse) {
     portal.emitColorScheme(scheme(1));
     portal.emit("org.freedesktop.appearance", "accent-color", scheme(0));
     portal.emit("org.gnome.desktop.interface", "color-scheme", scheme(0));
+    portal.emit("org.gnome.desktop.interface", "reduced-motion", scheme(1));
     portal.emitColorScheme(scheme(0));
     EXPECT_TRUE(runUntil([&] { return !appearance.isDark(); }));
     EXPECT_EQ(told, 2);
@@ -214,7 +224,7 @@ GVariant* color(double red, double green, double blue) {
 
 TEST_F(AppearanceTest, HasTheAccentColourOfEachPortalThatComes) {
     BusConnection bus(queue, address, kAtOnce);
-    LinuxAppearance appearance(bus);
+    LinuxAppearance appearance(bus, xSettings);
     int told = 0;
     const auto subscription = appearance.onDidChange([&] { ++told; });
     EXPECT_EQ(appearance.accentColor(), std::nullopt);
@@ -233,7 +243,7 @@ TEST_F(AppearanceTest, HasTheAccentColourOfEachPortalThatComes) {
 TEST_F(AppearanceTest, FollowsTheAccentColourAndTakesNoGarbageForOne) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(1));
     BusConnection bus(queue, address, kAtOnce);
-    LinuxAppearance appearance(bus);
+    LinuxAppearance appearance(bus, xSettings);
     ASSERT_TRUE(runUntil([&] { return appearance.isDark() && portal.accentCalls == 1; }));
     int told = 0;
     const auto subscription = appearance.onDidChange([&] { ++told; });
@@ -258,10 +268,116 @@ TEST_F(AppearanceTest, FollowsTheAccentColourAndTakesNoGarbageForOne) {
     EXPECT_TRUE(appearance.isDark());
 }
 
+constexpr const char* kAppearance = "org.freedesktop.appearance";
+constexpr const char* kGnome = "org.gnome.desktop.interface";
+constexpr const char* kPlasma = "org.kde.kdeglobals.KDE";
+
+TEST_F(AppearanceTest, ReducesMotionByTheMostTrustedWord) {
+    struct Case {
+        const char* name;
+        // As GVariant writes them; null where the portal has no such setting.
+        const char* reducedMotion;
+        const char* enableAnimations;
+        const char* durationFactor;
+        bool isReducedByX;
+        bool isReduced;
+    };
+    for (const Case& c : {
+             Case{"nobody says anything", nullptr, nullptr, nullptr, false, false},
+             Case{"reduced", "uint32 1", "true", "'1'", false, true},
+             Case{"no preference", "uint32 0", "false", "'0'", true, false},
+             Case{"a number of the future", "uint32 2", "false", "'0'", true, false},
+             Case{"no number", "'1'", "true", "'0'", true, false},
+             Case{"a signed number", "1", nullptr, nullptr, false, false},
+             Case{"no animations", nullptr, "false", "'1'", false, true},
+             Case{"animations", nullptr, "true", "'0'", true, false},
+             Case{"a number for a switch", nullptr, "uint32 0", nullptr, false, false},
+             Case{"at once", nullptr, nullptr, "'0'", false, true},
+             Case{"at once, with decimals", nullptr, nullptr, "'0.00'", false, true},
+             Case{"hardly slower than at once", nullptr, nullptr, "'0.001'", true, false},
+             Case{"slowly", nullptr, "'false'", "'2.5'", true, false},
+             Case{"a factor that is no text", nullptr, nullptr, "0.0", false, false},
+             Case{"no factor", nullptr, nullptr, "''", true, true},
+             Case{"a factor with a tail", nullptr, nullptr, "'0x'", false, false},
+             Case{"a factor with a comma", nullptr, nullptr, "'0,0'", false, false},
+             Case{"below 0", nullptr, nullptr, "'-1'", true, true},
+             Case{"no finite factor", nullptr, nullptr, "'inf'", true, true},
+             Case{"too small for a number", nullptr, nullptr, "'1e-999'", false, false},
+             Case{"the X screen alone", nullptr, nullptr, nullptr, true, true},
+         }) {
+        Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(0));
+        const auto set = [&](const char* group, const char* key, const char* value) {
+            if (value != nullptr) portal.set(group, key, g_variant_new_parsed(value));
+        };
+        set(kAppearance, "reduced-motion", c.reducedMotion);
+        set(kGnome, "enable-animations", c.enableAnimations);
+        set(kPlasma, "AnimationDurationFactor", c.durationFactor);
+        xSettings.set({.reducesMotion = c.isReducedByX});
+        BusConnection bus(queue, address, kAtOnce);
+        LinuxAppearance appearance(bus, xSettings);
+        EXPECT_EQ(appearance.reducesMotion(), c.isReducedByX) << c.name << ", before the portal's word";
+        ASSERT_TRUE(runUntil([&] { return portal.otherCalls == 3; })) << c.name;
+        portal.emitColorScheme(scheme(1));  // heard after the answers
+        ASSERT_TRUE(runUntil([&] { return appearance.isDark(); })) << c.name;
+        EXPECT_EQ(appearance.reducesMotion(), c.isReduced) << c.name;
+    }
+}
+
+TEST_F(AppearanceTest, FollowsEachWordAboutMotion) {
+    Portal portal(address, Portal::Knows::readOnly, Portal::Answers::atOnce, scheme(1));
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus, xSettings);
+    ASSERT_TRUE(runUntil([&] { return appearance.isDark() && portal.otherCalls == 6; }));
+    int told = 0;
+    const auto subscription = appearance.onDidChange([&] { ++told; });
+    bool reduces = false;
+    const struct {
+        const char* group;
+        const char* key;
+        const char* value;
+    } changes[] = {
+        {kPlasma, "AnimationDurationFactor", "'0'"}, {kGnome, "enable-animations", "true"},
+        {kAppearance, "reduced-motion", "uint32 1"}, {kAppearance, "reduced-motion", "'of another type'"},
+        {kGnome, "enable-animations", "uint32 1"},   {kPlasma, "AnimationDurationFactor", "'none'"},
+    };
+    for (const auto& each : changes) {
+        reduces = !reduces;
+        // The same word for another setting, or another group, is none.
+        portal.emit(each.group, "text-scaling-factor", g_variant_new_parsed(each.value));
+        portal.emit("org.example", each.key, g_variant_new_parsed(each.value));
+        portal.emit(each.group, each.key, g_variant_new_parsed(each.value));
+        EXPECT_TRUE(runUntil([&] { return appearance.reducesMotion() == reduces; })) << each.value;
+    }
+    EXPECT_EQ(told, 6);
+    xSettings.set({.reducesMotion = true});
+    EXPECT_TRUE(appearance.reducesMotion()) << "no portal says anything any more";
+    EXPECT_EQ(told, 7);
+}
+
+TEST_F(AppearanceTest, IsAsTheXScreenSaysWhereThePortalHasNoScheme) {
+    xSettings.set({.isDark = true});
+    Portal portal(address, Portal::Knows::both, Portal::Answers::atOnce, scheme(2));
+    BusConnection bus(queue, address, kAtOnce);
+    LinuxAppearance appearance(bus, xSettings);
+    EXPECT_TRUE(appearance.isDark());
+    EXPECT_TRUE(runUntil([&] { return !appearance.isDark(); })) << "the portal has said light";
+    int told = 0;
+    const auto subscription = appearance.onDidChange([&] { ++told; });
+    xSettings.set({});
+    xSettings.set({.isDark = true});
+    EXPECT_FALSE(appearance.isDark());
+    EXPECT_EQ(told, 0);
+    portal.emitColorScheme(scheme(0));
+    EXPECT_TRUE(runUntil([&] { return appearance.isDark(); })) << "no preference";
+    xSettings.set({});
+    EXPECT_FALSE(appearance.isDark());
+    EXPECT_EQ(told, 2);
+}
+
 TEST_F(AppearanceTest, IsLightWhileThePortalDoesNotAnswerAndTakesALateAnswer) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::never, scheme(1));
     BusConnection bus(queue, address, kAtOnce);
-    LinuxAppearance appearance(bus);
+    LinuxAppearance appearance(bus, xSettings);
     ASSERT_TRUE(runUntil([&] { return portal.readOneCalls == 1; }));
     EXPECT_FALSE(appearance.isDark());
     portal.answerAll();
@@ -270,7 +386,7 @@ TEST_F(AppearanceTest, IsLightWhileThePortalDoesNotAnswerAndTakesALateAnswer) {
 
 TEST_F(AppearanceTest, AsksAPortalThatComesLater) {
     BusConnection bus(queue, address, kAtOnce);
-    LinuxAppearance appearance(bus);
+    LinuxAppearance appearance(bus, xSettings);
     GDBusConnection* const watcher = connectTo(address);
     // The only other one on the bus has asked for the portal once it has its match rules.
     const auto countOfRules = [&] {
@@ -286,7 +402,7 @@ TEST_F(AppearanceTest, AsksAPortalThatComesLater) {
         }
         return count;
     };
-    ASSERT_TRUE(runUntil([&] { return countOfRules() >= 2; }));
+    ASSERT_TRUE(runUntil([&] { return countOfRules() >= 4; }));
     EXPECT_FALSE(appearance.isDark());
     Portal portal(address, Portal::Knows::readOnly, Portal::Answers::atOnce, scheme(1));
     EXPECT_TRUE(runUntil([&] { return appearance.isDark(); }));
@@ -298,18 +414,18 @@ TEST_F(AppearanceTest, GoesAwayAtAnyMoment) {
     Portal portal(address, Portal::Knows::both, Portal::Answers::never, scheme(1));
     {
         BusConnection neverStarted(queue, address, {.firstAttempt = 1h});
-        const LinuxAppearance appearance(neverStarted);
+        const LinuxAppearance appearance(neverStarted, xSettings);
     }
     for (int turns = 0; turns < 30; ++turns) {
         BusConnection bus(queue, address, kAtOnce);
-        const LinuxAppearance appearance(bus);
+        const LinuxAppearance appearance(bus, xSettings);
         for (int turn = 0; turn < turns; ++turn)
             g_main_context_iteration(nullptr, FALSE);
     }
     const int before = portal.readOneCalls;
     {
         BusConnection bus(queue, address, kAtOnce);
-        const LinuxAppearance appearance(bus);
+        const LinuxAppearance appearance(bus, xSettings);
         ASSERT_TRUE(runUntil([&] { return portal.readOneCalls > before; }));
     }
     portal.answerAll();
@@ -320,11 +436,14 @@ TEST_F(AppearanceTest, GoesAwayAtAnyMoment) {
 TEST_F(AppearanceTest, IsLightWithoutABus) {
     for (const char* broken : {"", "nonsense", "unix:path=/nowhere/at/all"}) {
         BusConnection bus(queue, broken, kAtOnce);
-        const LinuxAppearance appearance(bus);
+        const LinuxAppearance appearance(bus, xSettings);
         bool isOver = false;
         const auto end = queue.after(5ms, [&] { isOver = true; });
         EXPECT_TRUE(runUntil([&] { return isOver; }));
-        EXPECT_FALSE(appearance.isDark()) << broken;
+        EXPECT_FALSE(appearance.isDark() || appearance.reducesMotion()) << broken;
+        xSettings.set({.reducesMotion = true, .isDark = true});
+        EXPECT_TRUE(appearance.isDark() && appearance.reducesMotion()) << broken;
+        xSettings.set({});
     }
 }
 

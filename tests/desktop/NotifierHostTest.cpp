@@ -104,7 +104,8 @@ class NotifierHostTest : public testing::Test {
     DrawingMemory memory{layouts, queue};
     BusConnection connection{
         queue, bus.address(), {.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms}};
-    LinuxAppearance appearance{connection};
+    Published<XSettings> xSettings;
+    LinuxAppearance appearance{connection, xSettings};
     NotifierWatch watch{connection};
     SwatchContent content;
     std::unique_ptr<ChildProcess> panel;

@@ -1,12 +1,14 @@
 #include "platform/linux/LinuxAppearance.h"
 
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/linux/GVariantPointer.h"
-#include "platform/Observers.h"
 
 namespace norvane {
 namespace {
@@ -14,13 +16,16 @@ namespace {
 constexpr const char* kPortalName = "org.freedesktop.portal.Desktop";
 constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kSettings = "org.freedesktop.portal.Settings";
+// Groups of settings: the one for all desktops, and those of two desktops.
 constexpr const char* kAppearance = "org.freedesktop.appearance";
-constexpr const char* kColorScheme = "color-scheme";
-constexpr const char* kAccentColor = "accent-color";
+constexpr const char* kGnomeInterface = "org.gnome.desktop.interface";
+constexpr const char* kPlasmaGlobals = "org.kde.kdeglobals.KDE";
 // Portals older than version 2 of the interface lack the former.
 constexpr const char* kReadOne = "ReadOne";
 constexpr const char* kRead = "Read";
 constexpr std::uint32_t kDarkScheme = 1;
+constexpr std::uint32_t kLightScheme = 2;
+constexpr std::uint32_t kReducedMotion = 1;
 
 // The setting at this place in an answer or a signal. `Read` packs the variant into another one.
 GVariantPointer settingAt(GVariant* tuple, gsize place) {
@@ -31,18 +36,50 @@ GVariantPointer settingAt(GVariant* tuple, gsize place) {
     return value;
 }
 
-bool isDarkScheme(GVariant* value) {
-    return g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32) && g_variant_get_uint32(value) == kDarkScheme;
+// What a setting's value says; none where the portal has no such setting, or a value of another type.
+
+bool isOfType(GVariant* value, const char* type) {
+    return value != nullptr && g_variant_is_of_type(value, G_VARIANT_TYPE(type));
+}
+
+// A scheme without a preference leaves it to others to say.
+std::optional<bool> isDarkBy(GVariant* scheme) {
+    if (!isOfType(scheme, "u")) return std::nullopt;
+    const std::uint32_t number = g_variant_get_uint32(scheme);
+    if (number != kDarkScheme && number != kLightScheme) return std::nullopt;
+    return number == kDarkScheme;
 }
 
 // A component out of its range is how a portal says that no colour is set.
 std::optional<Color> colorFrom(GVariant* value) {
-    if (!g_variant_is_of_type(value, G_VARIANT_TYPE("(ddd)"))) return std::nullopt;
+    if (!isOfType(value, "(ddd)")) return std::nullopt;
     Color color;
     g_variant_get(value, "(ddd)", &color.red, &color.green, &color.blue);
     const auto isComponent = [](double number) { return number >= 0 && number <= 1; };
     if (!isComponent(color.red) || !isComponent(color.green) || !isComponent(color.blue)) return std::nullopt;
     return color;
+}
+
+std::optional<bool> isReducedBy(GVariant* preference) {
+    if (!isOfType(preference, "u")) return std::nullopt;
+    return g_variant_get_uint32(preference) == kReducedMotion;
+}
+
+std::optional<bool> isReducedBySwitch(GVariant* hasAnimations) {
+    if (!isOfType(hasAnimations, "b")) return std::nullopt;
+    return g_variant_get_boolean(hasAnimations) == FALSE;
+}
+
+// By what the length of every animation is multiplied with: a decimal number in a text.
+std::optional<bool> isReducedByFactor(GVariant* factor) {
+    if (!isOfType(factor, "s")) return std::nullopt;
+    gsize length = 0;
+    const gchar* const text = g_variant_get_string(factor, &length);
+    double number = 0;
+    const auto [end, error] = std::from_chars(text, text + length, number);
+    if (error != std::errc{} || end != text + length || !std::isfinite(number) || number < 0)
+        return std::nullopt;
+    return number == 0;
 }
 
 bool isNotFound(const GError& error) {
@@ -57,13 +94,17 @@ class LinuxAppearance::Portal {
  public:
     explicit Portal(BusConnection& bus);
 
-    bool isDark() const { return isDark_; }
+    // None where it does not say.
+    const std::optional<bool>& isDark() const { return isDark_; }
     const std::optional<Color>& accentColor() const { return accentColor_; }
+    std::optional<bool> reducesMotion() const;
+    // Told after any of it may have changed.
     Observers<>& observers() { return observers_; }
 
  private:
-    // One setting of the group, and the question for it.
+    // One setting, and the question for it.
     struct Setting {
+        const char* group;
         const char* key;
         // Given its value, or null where the portal has none.
         void (Portal::*take)(GVariant* value);
@@ -74,27 +115,44 @@ class LinuxAppearance::Portal {
     void askAll();
     void ask(Setting& setting, const char* method);
     void settingChanged(GVariant* parameters);
-    void takeScheme(GVariant* value);
-    void takeAccentColor(GVariant* value);
+    template <typename Said>
+    void keep(Said& place, Said said) {
+        if (std::exchange(place, said) != said) observers_.tell();
+    }
+    void takeScheme(GVariant* value) { keep(isDark_, isDarkBy(value)); }
+    void takeAccentColor(GVariant* value) { keep(accentColor_, colorFrom(value)); }
+    void takePreference(GVariant* value) { keep(isReduced_, isReducedBy(value)); }
+    void takeSwitch(GVariant* value) { keep(isReducedBySwitch_, isReducedBySwitch(value)); }
+    void takeFactor(GVariant* value) { keep(isReducedByFactor_, isReducedByFactor(value)); }
 
     BusConnection& bus_;
-    bool isDark_ = false;
+    std::optional<bool> isDark_;
     std::optional<Color> accentColor_;
+    std::optional<bool> isReduced_;
+    std::optional<bool> isReducedBySwitch_;
+    std::optional<bool> isReducedByFactor_;
     Observers<> observers_;
-    Cancellation settings_;
+    std::vector<Cancellation> settings_;
     Cancellation owner_;
     Cancellation connection_;
-    std::array<Setting, 2> followed_{Setting{.key = kColorScheme, .take = &Portal::takeScheme},
-                                     Setting{.key = kAccentColor, .take = &Portal::takeAccentColor}};
+    std::array<Setting, 5> followed_{
+        Setting{.group = kAppearance, .key = "color-scheme", .take = &Portal::takeScheme},
+        Setting{.group = kAppearance, .key = "accent-color", .take = &Portal::takeAccentColor},
+        Setting{.group = kAppearance, .key = "reduced-motion", .take = &Portal::takePreference},
+        Setting{.group = kGnomeInterface, .key = "enable-animations", .take = &Portal::takeSwitch},
+        Setting{.group = kPlasmaGlobals, .key = "AnimationDurationFactor", .take = &Portal::takeFactor}};
 };
 
 LinuxAppearance::Portal::Portal(BusConnection& bus) : bus_(bus) {
-    settings_ = bus.onSignal({.sender = kPortalName,
-                              .path = kPortalPath,
-                              .interface = kSettings,
-                              .member = "SettingChanged",
-                              .firstArgument = kAppearance},
-                             [this](GVariant* parameters) { settingChanged(parameters); });
+    // Each group by itself: portals tell of every setting of the desktop, and would wake us for it.
+    for (const char* const group : {kAppearance, kGnomeInterface, kPlasmaGlobals}) {
+        settings_.push_back(bus.onSignal({.sender = kPortalName,
+                                          .path = kPortalPath,
+                                          .interface = kSettings,
+                                          .member = "SettingChanged",
+                                          .firstArgument = group},
+                                         [this](GVariant* parameters) { settingChanged(parameters); }));
+    }
     // The portal may come, or come back, long after this process.
     owner_ = bus.onOwnerChange(kPortalName, [this](bool hasOwner) {
         if (hasOwner) askAll();
@@ -108,15 +166,21 @@ LinuxAppearance::Portal::Portal(BusConnection& bus) : bus_(bus) {
     if (bus.state() == BusConnection::State::connected) askAll();
 }
 
+// What is meant for all desktops is trusted before what is one desktop's own.
+std::optional<bool> LinuxAppearance::Portal::reducesMotion() const {
+    if (isReduced_) return isReduced_;
+    return isReducedBySwitch_ ? isReducedBySwitch_ : isReducedByFactor_;
+}
+
 void LinuxAppearance::Portal::settingChanged(GVariant* parameters) {
     if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(ssv)"))) return;
     const gchar* group = nullptr;
     const gchar* key = nullptr;
     g_variant_get_child(parameters, 0, "&s", &group);
     g_variant_get_child(parameters, 1, "&s", &key);
-    if (std::string_view(group) != kAppearance) return;
     for (const Setting& setting : followed_) {
-        if (std::string_view(key) == setting.key) (this->*setting.take)(settingAt(parameters, 2).get());
+        if (std::string_view(group) == setting.group && std::string_view(key) == setting.key)
+            (this->*setting.take)(settingAt(parameters, 2).get());
     }
 }
 
@@ -133,7 +197,7 @@ void LinuxAppearance::Portal::ask(Setting& setting, const char* method) {
                    .path = kPortalPath,
                    .interface = kSettings,
                    .method = method,
-                   .parameters = g_variant_new("(ss)", kAppearance, setting.key),
+                   .parameters = g_variant_new("(ss)", setting.group, setting.key),
                    .answerType = G_VARIANT_TYPE("(v)")},
                   [this, &setting, method](GVariant* answer, const GError* error) {
                       setting.isAsking = false;
@@ -148,30 +212,29 @@ void LinuxAppearance::Portal::ask(Setting& setting, const char* method) {
                   });
 }
 
-void LinuxAppearance::Portal::takeScheme(GVariant* value) {
-    const bool isDark = value != nullptr && isDarkScheme(value);
-    if (std::exchange(isDark_, isDark) != isDark) observers_.tell();
-}
-
-void LinuxAppearance::Portal::takeAccentColor(GVariant* value) {
-    const auto color = value != nullptr ? colorFrom(value) : std::nullopt;
-    if (std::exchange(accentColor_, color) != color) observers_.tell();
-}
-
-LinuxAppearance::LinuxAppearance(BusConnection& sessionBus) : portal_(std::make_unique<Portal>(sessionBus)) {}
+LinuxAppearance::LinuxAppearance(BusConnection& sessionBus, const Published<XSettings>& xSettings)
+    : portal_(std::make_unique<Portal>(sessionBus)),
+      xSettings_(xSettings),
+      look_(lookNow()),
+      portalChanges_(portal_->observers().add([this] { update(); })),
+      xChanges_(xSettings.observe([this](const XSettings&) { update(); })) {}
 
 LinuxAppearance::~LinuxAppearance() = default;
 
-bool LinuxAppearance::isDark() const {
-    return portal_->isDark();
-}
-
-std::optional<Color> LinuxAppearance::accentColor() const {
-    return portal_->accentColor();
-}
-
 Cancellation LinuxAppearance::onDidChange(std::function<void()> observer) {
-    return portal_->observers().add(std::move(observer));
+    return observers_.add(std::move(observer));
+}
+
+LinuxAppearance::Look LinuxAppearance::lookNow() const {
+    const XSettings xSettings = xSettings_.get();
+    return {.isDark = portal_->isDark().value_or(xSettings.isDark),
+            .accentColor = portal_->accentColor(),
+            .reducesMotion = portal_->reducesMotion().value_or(xSettings.reducesMotion)};
+}
+
+void LinuxAppearance::update() {
+    const Look look = lookNow();
+    if (std::exchange(look_, look) != look) observers_.tell();
 }
 
 }  // namespace norvane

@@ -22,6 +22,7 @@
 #include "platform/linux/TextLayouts.h"
 #include "platform/linux/ThreadLane.h"
 #include "platform/linux/X11Connection.h"
+#include "platform/linux/X11Settings.h"
 #include "platform/linux/X11SingleInstance.h"
 #include "platform/linux/X11WindowServer.h"
 #include "platform/Platform.h"
@@ -65,9 +66,10 @@ class LinuxMachine {
     LinuxWorkspace workspace_{sessionBus_, systemBus_, dispatch_.mainQueue(), dispatch_.backgroundQueue(),
                               RootFolder("")};
     LinuxMainBundle mainBundle_;
-    LinuxAppearance appearance_{sessionBus_};
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11SingleInstance> instance_;
+    X11Settings xSettings_{*connection_};
+    LinuxAppearance appearance_{sessionBus_, xSettings_.current()};
     TextLayouts textLayouts_;
     PangoTextRuler textRuler_{textLayouts_};
     X11WindowServer windowServer_;

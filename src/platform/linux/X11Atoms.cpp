@@ -41,6 +41,7 @@ constexpr std::array kNames{
     Named{&X11Atoms::netSystemTrayOpcode, "_NET_SYSTEM_TRAY_OPCODE"},
     Named{&X11Atoms::netSystemTrayVisual, "_NET_SYSTEM_TRAY_VISUAL"},
     Named{&X11Atoms::xembedInfo, "_XEMBED_INFO"},
+    Named{&X11Atoms::xsettingsSettings, "_XSETTINGS_SETTINGS"},
 };
 
 xcb_intern_atom_cookie_t ask(xcb_connection_t* connection, std::string_view name) {
@@ -56,6 +57,7 @@ bool X11Atoms::intern(xcb_connection_t* connection, int screenNumber) {
     const std::string number = std::to_string(screenNumber);
     const auto compositor = ask(connection, "_NET_WM_CM_S" + number);
     const auto tray = ask(connection, "_NET_SYSTEM_TRAY_S" + number);
+    const auto settings = ask(connection, "_XSETTINGS_S" + number);
 
     bool areAllThere = true;
     const auto take = [&](xcb_intern_atom_cookie_t cookie, xcb_atom_t& atom) {
@@ -67,6 +69,7 @@ bool X11Atoms::intern(xcb_connection_t* connection, int screenNumber) {
         take(cookies[i], this->*kNames[i].atom);
     take(compositor, netWmCm);
     take(tray, netSystemTray);
+    take(settings, xsettings);
     return areAllThere;
 }
 

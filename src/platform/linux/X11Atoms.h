@@ -7,7 +7,7 @@ namespace norvane {
 // The names that we and other programs of the desktop talk to each other with.
 struct X11Atoms {
     // Asks the server for all of them in one exchange. False where the server is gone. The
-    // compositor's selection and the tray's carry the screen's number.
+    // selections of the compositor, the tray and the settings manager carry the screen's number.
     bool intern(xcb_connection_t* connection, int screenNumber);
 
     xcb_atom_t utf8String = XCB_NONE;
@@ -34,8 +34,10 @@ struct X11Atoms {
     xcb_atom_t netSystemTrayOpcode = XCB_NONE;
     xcb_atom_t netSystemTrayVisual = XCB_NONE;
     xcb_atom_t xembedInfo = XCB_NONE;
+    xcb_atom_t xsettingsSettings = XCB_NONE;
     xcb_atom_t netWmCm = XCB_NONE;
     xcb_atom_t netSystemTray = XCB_NONE;
+    xcb_atom_t xsettings = XCB_NONE;
     // Our own: who runs on this screen, and what a second start tells the first.
     xcb_atom_t norvane = XCB_NONE;
     xcb_atom_t norvaneReopen = XCB_NONE;
