@@ -34,6 +34,7 @@ Element BatteryExpandedView::body() const {
                               .valueText = formatBatteryTemperature(temperature, temperatureUnit),
                               .iconName = "thermometer.medium",
                               .progress = batteryTemperatureProgress(temperature),
+                              .saysShare = false,
                               .activeColor = batteryTemperatureColor(temperature),
                               .useSpring = true};
     const auto line = [](std::string words, bool hasFigures = false) {

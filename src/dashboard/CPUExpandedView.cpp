@@ -24,8 +24,10 @@ std::string historySentence(const std::vector<CPUHistoryPoint>* history) {
     double highest = 0;
     for (const CPUHistoryPoint& point : *history)
         highest = std::max(highest, point.total);
-    return "The last " + std::to_string(history->size()) + " readings: now " +
-           gaugePercent(history->back().total / 100) + ", at most " + gaugePercent(highest / 100) + ".";
+    const std::string now = gaugePercent(history->back().total / 100);
+    if (history->size() == 1) return "One reading: now " + now + ".";
+    return "The last " + std::to_string(history->size()) + " readings: now " + now + ", at most " +
+           gaugePercent(highest / 100) + ".";
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ Element WidgetRingView::body() const {
         .accessible({.role = AccessibleRole::meter,
                      .name = title,
                      .value = valueText.empty() ? gaugePercent(target) : valueText,
-                     .number = gaugeNumber(target)});
+                     .number = saysShare ? std::optional(gaugeNumber(target)) : std::nullopt});
 }
 
 }  // namespace norvane

@@ -17,6 +17,8 @@ struct WidgetRingView {
     std::optional<Paint> iconColor = {};
     // 0 to 1. What is beyond is not cut here: a spring that swings over the end swings over this one too.
     double progress = 0;
+    // Whether the text in the middle is this share, in percent or as what there is of a whole.
+    bool saysShare = true;
     Paint activeColor = Ink::green;
     bool useSpring = false;
 

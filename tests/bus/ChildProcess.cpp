@@ -49,8 +49,16 @@ std::optional<std::string> ChildProcess::firstLine() {
 }
 
 void ChildProcess::kill() {
+    end(SIGKILL);
+}
+
+void ChildProcess::terminate() {
+    end(SIGTERM);
+}
+
+void ChildProcess::end(int signal) {
     if (process_ <= 0) return;
-    ::kill(process_, SIGKILL);
+    ::kill(process_, signal);
     waitpid(process_, nullptr, 0);
     process_ = -1;
 }

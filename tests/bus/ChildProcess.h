@@ -23,8 +23,12 @@ class ChildProcess {
     std::optional<std::string> firstLine();
     // Ends it without a warning to anybody.
     void kill();
+    // Asks it to end, and waits until it has: it may have others to end.
+    void terminate();
 
  private:
+    void end(int signal);
+
     pid_t process_ = -1;
     int output_ = -1;
 };

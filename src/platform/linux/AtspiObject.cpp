@@ -1,7 +1,5 @@
 #include "platform/linux/AtspiObject.h"
 
-#include "platform/Decimal.h"
-
 namespace norvane {
 namespace {
 
@@ -40,7 +38,7 @@ AtspiRole roleOf(const AccessibleNode& node) {
 
 // Screen readers say the number of a value in percent by themselves.
 bool isSaidByNumber(const AccessibleNode& node) {
-    return node.number && node.value == decimal(node.number->now, 0) + " %";
+    return node.number && node.role == AccessibleRole::meter && node.value.ends_with('%');
 }
 
 }  // namespace
