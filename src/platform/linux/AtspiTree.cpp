@@ -184,13 +184,15 @@ class Comparison {
         const auto before = before_.find(id);
         if (before == before_.end()) return;  // whoever hears of it asks for them
         const std::vector<AtspiId>& was = before->second.children;
-        const bool isInOrder = common(was, object.children) == common(object.children, was);
+        const std::vector<AtspiId> kept = common(was, object.children);
+        // Nothing is said of those that keep their order; others come anew, all together.
+        const bool isInOrder = kept == common(object.children, was);
+        if (!isInOrder) {
+            for (auto child = kept.rbegin(); child != kept.rend(); ++child)
+                tellOfChild(id, "remove", was, *child);
+        }
         for (const AtspiId child : object.children) {
-            const bool isNew = !isIn(was, child);
-            if (isNew || !isInOrder) {
-                if (!isNew) tellOfChild(id, "remove", was, child);
-                tellOfChild(id, "add", object.children, child);
-            }
+            if (!isInOrder || !isIn(was, child)) tellOfChild(id, "add", object.children, child);
         }
     }
 
