@@ -182,5 +182,11 @@ until(lambda: stepper.queryValue().currentValue == before + 15, "a step down by 
 read("Settings", settings)
 key("Escape")
 until(lambda: not find("frame", "Settings"), "Escape closes the settings")
+
+act(comes("push button", "Norvane"))
+act(comes("push button", "Info"))
+read("Info", until(lambda: find("link", "Send Feedback"), "the info opens").parent)
+key("Escape")
+until(lambda: not find("link", "Send Feedback"), "Escape closes the info")
 write()
 write("The end.")

@@ -48,7 +48,7 @@ TEST(AtspiObject, IsWhatItsNodeIs) {
              Case{node(Role::text, "Swap", "0.00 GB"), "label", "Swap, 0.00 GB", "", ""},
              Case{node(Role::heading, "Settings"), "heading", "Settings", "", ""},
              Case{node(Role::image, "Graph", "Level."), "image", "Graph", "Level.", " transient"},
-             Case{node(Role::button, "Quit"), "push button", "Quit", "", ""},
+             Case{node(Role::button, "Eject \xFF"), "push button", "Eject \xEF\xBF\xBD", "", ""},
              Case{with(node(Role::button, "CPU", "4 %"), [](auto& n) { n.isExpanded = true; }),
                   "toggle button", "CPU", "4 %", "checked expanded pressed transient"},
              Case{with(node(Role::toggle, "Pin"), [](auto& n) { n.isOn = false; }), "toggle button", "Pin",

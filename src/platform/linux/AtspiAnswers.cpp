@@ -235,7 +235,6 @@ GVariant* AtspiAnswers::read(std::string_view name, std::string_view interface,
         if (property == "ChildCount")
             return g_variant_new_int32(static_cast<gint32>(object->children.size()));
         if (property == "Locale") return g_variant_new_string(kLocale);
-        if (property == "AccessibleId") return g_variant_new_string(object->key.c_str());
     } else if (interface == kAtspiApplication) {
         if (property == "ToolkitName") return g_variant_new_string("Norvane");
         if (property == "Version" || property == "AtspiVersion")

@@ -17,7 +17,6 @@ inline constexpr const char* kAtspiDescription = R"XML(<node>
  <property name="Parent" type="(so)" access="read"/>
  <property name="ChildCount" type="i" access="read"/>
  <property name="Locale" type="s" access="read"/>
- <property name="AccessibleId" type="s" access="read"/>
  <method name="GetChildAtIndex"><arg type="i" direction="in"/><arg type="(so)" direction="out"/></method>
  <method name="GetChildren"><arg type="a(so)" direction="out"/></method>
  <method name="GetIndexInParent"><arg type="i" direction="out"/></method>

@@ -1,5 +1,7 @@
 #include "platform/linux/AtspiObject.h"
 
+#include "platform/Utf8.h"
+
 namespace norvane {
 namespace {
 
@@ -44,18 +46,20 @@ bool isSaidByNumber(const AccessibleNode& node) {
 }  // namespace
 
 AtspiObject AtspiObject::of(const AccessibleNode& node) {
-    AtspiObject object{.role = roleOf(node), .name = node.name};
+    // A bus takes nothing else than well-formed texts.
+    const std::string value = repairedUtf8(node.value);
+    AtspiObject object{.role = roleOf(node), .name = repairedUtf8(node.name)};
     object.isText = object.role == AtspiRole::label || object.role == AtspiRole::heading;
     object.isLive = node.isLive;
     object.key = node.key;
     object.actions = node.actions;
     object.number = node.number;
-    object.valueText = node.value;
+    object.valueText = value;
     if (object.isText) {
         // A figure beside its label is one text.
-        if (!node.value.empty()) object.name += ", " + node.value;
+        if (!value.empty()) object.name += ", " + value;
     } else if (!isSaidByNumber(node)) {
-        object.description = node.value;
+        object.description = value;
     }
 
     AtspiStates& states = object.states;
