@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/BusAddress.h"
 #include "platform/linux/BusExport.h"
 #include "platform/linux/Deadline.h"
 #include "platform/linux/GErrorPointer.h"
@@ -62,9 +63,9 @@ struct Subscription {
 // What GLib calls back holds a weak pointer to it, so that an answer may come after it is gone.
 class BusConnection::Link : public std::enable_shared_from_this<Link> {
  public:
-    Link(MainQueue& mainQueue, std::string address, const Pace& pace)
+    Link(MainQueue& mainQueue, const std::string& address, const Pace& pace)
         : mainQueue_(mainQueue),
-          address_(g_dbus_is_address(address.c_str()) ? std::move(address) : std::string()),
+          address_(g_dbus_is_address(address.c_str()) ? localBusAddress(address) : std::string()),
           pace_(pace),
           pause_(pace.firstPause) {}
     ~Link();
@@ -338,10 +339,8 @@ void BusConnection::Link::emit(const char* path, const char* interface, const ch
 }
 
 std::string BusConnection::sessionAddress() {
-    if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address != nullptr) {
-        const bool wouldStartOne = std::string_view(address).substr(0, 11) == "autolaunch:";
-        return wouldStartOne ? std::string() : address;
-    }
+    if (const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address != nullptr)
+        return address;
     const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime == nullptr || *runtime != '/') return {};
     const std::string socket = std::string(runtime) + "/bus";

@@ -35,12 +35,12 @@ class BusConnection {
     // What a method call has by default to be answered.
     static constexpr std::chrono::milliseconds kUsualLimit = std::chrono::seconds(25);
 
-    // Where nobody said otherwise: the buses of this process; empty where none is there. No bus is ever
-    // started for it.
+    // Where nobody said otherwise: the buses of this process; empty where none is there.
     static std::string sessionAddress();
     static std::string systemAddress();
 
-    // The address is D-Bus' own kind; an empty one stands for no bus.
+    // The address is D-Bus' own kind; an empty one stands for no bus. What leads off this machine is not
+    // used, nor is what would start a bus.
     BusConnection(MainQueue& mainQueue, std::string address);
     BusConnection(MainQueue& mainQueue, std::string address, const Pace& pace);
     ~BusConnection();
