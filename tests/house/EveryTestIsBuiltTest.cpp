@@ -31,9 +31,9 @@ Configuration configurationIn(const std::string& cmakeCache) {
 // Whether the configuration promises to compile this file, written from the project's root.
 bool isPromised(const std::string& file, const Configuration& configuration) {
     if (!file.ends_with(".cpp")) return false;
-    for (const char* part :
-         {"src/main.cpp", "src/platform/linux/", "tests/bus/", "tests/desktop/", "tests/devices/",
-          "tests/fuzz/", "tests/linux/", "tests/machines/", "tests/windows/"}) {
+    for (const char* part : {"src/main.cpp", "src/platform/linux/", "tests/bus/", "tests/desktop/",
+                             "tests/devices/", "tests/fuzz/", "tests/linux/", "tests/machines/",
+                             "tests/privilege/", "tests/soak/writes/", "tests/windows/"}) {
         if (file.starts_with(part) && !configuration.hasLinux) return false;
     }
     if (file.starts_with("src/")) return true;
