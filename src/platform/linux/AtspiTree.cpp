@@ -110,7 +110,7 @@ class AtspiTree::Builder {
     AtspiId put(AtspiObject object, AtspiId parent, const Surface& surface, const std::string& key) {
         std::string identity = std::to_string(surface.number) + ' ' +
                                std::to_string(static_cast<std::uint32_t>(object.role)) + ' ' + key;
-        while (ids_.count(identity) != 0)
+        while (ids_.contains(identity))
             identity += " again";
         const auto before = tree_.ids_.find(identity);
         const AtspiId id = before != tree_.ids_.end() ? before->second : ++tree_.lastId_;
@@ -138,10 +138,10 @@ class Comparison {
 
     std::vector<AtspiEvent> events() {
         for (const auto& [id, object] : before_) {
-            if (now_.count(id) == 0) tellOfDeparture(id, object);
+            if (!now_.contains(id)) tellOfDeparture(id, object);
         }
         for (const auto& [id, object] : now_) {
-            if (before_.count(id) == 0) tell({.kind = Kind::appeared, .source = id});
+            if (!before_.contains(id)) tell({.kind = Kind::appeared, .source = id});
         }
         for (const auto& [id, object] : now_)
             tellOfChildren(id, object);
@@ -175,7 +175,7 @@ class Comparison {
             tell({.kind = Kind::window, .source = id, .member = "Destroy", .value = object.name});
         }
         const auto parent = before_.find(object.parent);
-        if (parent != before_.end() && now_.count(object.parent) != 0)
+        if (parent != before_.end() && now_.contains(object.parent))
             tellOfChild(object.parent, "remove", parent->second.children, id);
         tell({.kind = Kind::disappeared, .source = id});
     }
