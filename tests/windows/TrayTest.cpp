@@ -1,6 +1,6 @@
 #include "DesktopTest.h"
+#include "platform/linux/ManagerSelection.h"
 #include "platform/linux/TrayHost.h"
-#include "platform/linux/TrayWatch.h"
 #include "platform/linux/X11Event.h"
 #include "platform/linux/X11ScreenLight.h"
 #include "PlayedTray.h"
@@ -102,13 +102,14 @@ TEST_F(TrayTest, TheWatchFollowsTheTrayAsItComesAndGoes) {
         parts_.reset();
         connect({.fixes = fixes});
         X11Screen screen(*connection_);
-        TrayWatch watch(*connection_);
+        ManagerSelection watch(*connection_, connection_->atoms().netSystemTray);
         int changes = 0;
         const Cancellation told = watch.onDidChange([&] { ++changes; });
         EXPECT_EQ(watch.owner(), XCB_NONE);
         tray_ = std::make_unique<PlayedTray>(xvfb_.display());
         EXPECT_TRUE(comes([&] { return watch.owner() == tray_->window(); })) << fixes;
-        EXPECT_EQ(TrayWatch(*connection_).owner(), tray_->window()) << "one that was there before";
+        EXPECT_EQ(ManagerSelection(*connection_, connection_->atoms().netSystemTray).owner(), tray_->window())
+            << "one that was there before";
         settle();
         EXPECT_EQ(changes, 1) << "though there were two signs of it";
         tray_->close();

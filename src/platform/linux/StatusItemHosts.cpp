@@ -29,7 +29,7 @@ StatusItemHosts::StatusItemHosts(const Desk& desk, BusConnection& sessionBus, Ev
     : desk_(desk),
       sessionBus_(sessionBus),
       events_(std::move(events)),
-      tray_(desk.connection),
+      tray_(desk.connection, desk.connection.atoms().netSystemTray),
       notifier_(sessionBus),
       watcher_(notifier_.generation()) {
     traySeen_ = tray_.onDidChange([this] {

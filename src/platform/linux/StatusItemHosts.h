@@ -6,8 +6,8 @@
 
 #include "platform/linux/Desk.h"
 #include "platform/linux/HostChoice.h"
+#include "platform/linux/ManagerSelection.h"
 #include "platform/linux/StatusItemHost.h"
-#include "platform/linux/TrayWatch.h"
 
 namespace norvane {
 
@@ -58,7 +58,7 @@ class StatusItemHosts {
     Desk desk_;
     BusConnection& sessionBus_;
     Events events_;
-    TrayWatch tray_;
+    ManagerSelection tray_;
     NotifierWatch notifier_;
     std::optional<double> length_;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/ManagerSelection.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/XSettings.h"
 #include "platform/Published.h"
@@ -18,16 +19,14 @@ class X11Settings {
     const Published<XSettings>& current() const { return current_; }
 
  private:
-    void handle(const xcb_generic_event_t& event);
-    void handleOwner(const xcb_generic_event_t& event);
-    void findOwner();
+    void follow();
     void read();
 
     X11Connection& connection_;
-    xcb_window_t owner_ = XCB_NONE;
+    ManagerSelection manager_;
     Published<XSettings> current_;
+    Cancellation changes_;
     Cancellation events_;
-    Cancellation ownerEvents_;
 };
 
 }  // namespace norvane

@@ -7,16 +7,17 @@
 
 namespace norvane {
 
-// Whether a panel takes items into a tray, by the System Tray Protocol of freedesktop.org: the one that does
-// owns a selection of the screen, and says so to the root when it begins. Main thread only.
-class TrayWatch {
+// Who does something for all programs of a screen: that one owns a selection of the screen, and says so to
+// the root when it begins ("MANAGER" of the ICCCM). Trays and settings managers are found so. Main thread
+// only.
+class ManagerSelection {
  public:
-    // The connection outlives the watch.
-    explicit TrayWatch(X11Connection& connection);
+    // The connection outlives the value.
+    ManagerSelection(X11Connection& connection, xcb_atom_t selection);
 
-    // The window that takes the requests of items; XCB_NONE without a tray. From memory.
+    // The window that it owns the selection with; XCB_NONE without one. From memory.
     xcb_window_t owner() const { return owner_; }
-    // Told after it changed. A tray that starts again may well be given the same window id: that is a change
+    // Told after it changed. One that starts again may well be given the same window id: that is a change
     // too.
     [[nodiscard]] Cancellation onDidChange(std::function<void()> observer) {
         return changed_.add(std::move(observer));
@@ -28,6 +29,7 @@ class TrayWatch {
     xcb_window_t currentOwner() const;
 
     X11Connection& connection_;
+    const xcb_atom_t selection_;
     xcb_window_t owner_ = XCB_NONE;
     Observers<> changed_;
     Cancellation events_;

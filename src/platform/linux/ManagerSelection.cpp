@@ -1,4 +1,4 @@
-#include "platform/linux/TrayWatch.h"
+#include "platform/linux/ManagerSelection.h"
 
 #include <xcb/xfixes.h>
 #include <utility>
@@ -8,12 +8,12 @@
 
 namespace norvane {
 
-TrayWatch::TrayWatch(X11Connection& connection) : connection_(connection) {
-    // A new tray tells those who listen to the structure of the root.
+ManagerSelection::ManagerSelection(X11Connection& connection, xcb_atom_t selection)
+    : connection_(connection), selection_(selection) {
+    // A new manager tells those who listen to the structure of the root.
     listenTo(connection_, connection_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     if (connection_.fixes().isPresent) {
-        xcb_xfixes_select_selection_input(connection_.get(), connection_.root(),
-                                          connection_.atoms().netSystemTray,
+        xcb_xfixes_select_selection_input(connection_.get(), connection_.root(), selection_,
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                               XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                               XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -23,24 +23,23 @@ TrayWatch::TrayWatch(X11Connection& connection) : connection_(connection) {
     ask(false);
 }
 
-void TrayWatch::handle(const xcb_generic_event_t& event) {
+void ManagerSelection::handle(const xcb_generic_event_t& event) {
     const int type = typeOf(event);
-    const X11Atoms& atoms = connection_.atoms();
     if (type == XCB_CLIENT_MESSAGE) {
         const auto& message = eventAs<xcb_client_message_event_t>(event);
         // What it says of the owner is not taken for granted: anybody can say it.
-        if (message.type == atoms.manager && message.format == 32 &&
-            message.data.data32[1] == atoms.netSystemTray) {
+        if (message.type == connection_.atoms().manager && message.format == 32 &&
+            message.data.data32[1] == selection_) {
             ask(false);
         }
     } else if (connection_.fixes().isPresent &&
                type == connection_.fixes().firstEvent + XCB_XFIXES_SELECTION_NOTIFY) {
         const auto& notice = eventAs<xcb_xfixes_selection_notify_event_t>(event);
-        if (notice.selection == atoms.netSystemTray) ask(false);
+        if (notice.selection == selection_) ask(false);
     }
 }
 
-void TrayWatch::ask(bool hasGone) {
+void ManagerSelection::ask(bool hasGone) {
     const xcb_window_t before = std::exchange(owner_, currentOwner());
     ownerEvents_.cancel();
     if (owner_ != XCB_NONE) {
@@ -54,11 +53,11 @@ void TrayWatch::ask(bool hasGone) {
     if (owner_ != before || (hasGone && owner_ != XCB_NONE)) changed_.tell();
 }
 
-xcb_window_t TrayWatch::currentOwner() const {
+xcb_window_t ManagerSelection::currentOwner() const {
     xcb_connection_t* const server = connection_.get();
-    const X11Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        server, xcb_get_selection_owner(server, connection_.atoms().netSystemTray), nullptr));
-    // Any client can make any window the owner. Nothing is docked in the root.
+    const X11Reply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(server, xcb_get_selection_owner(server, selection_), nullptr));
+    // Any client can make any window the owner. No manager has the root.
     if (!reply || reply->owner == XCB_NONE || reply->owner == connection_.root()) return XCB_NONE;
     return listenTo(connection_, reply->owner, XCB_EVENT_MASK_STRUCTURE_NOTIFY) ? reply->owner
                                                                                 : xcb_window_t{XCB_NONE};
