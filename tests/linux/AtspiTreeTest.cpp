@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/AtspiAnswers.h"
 #include "platform/linux/AtspiText.h"
+#include "platform/linux/GVariantPointer.h"
 
 namespace norvane {
 namespace {
@@ -173,6 +175,20 @@ TEST_F(AtspiTreeTest, KnowsWhereThingsAre) {
     EXPECT_EQ(tree_.find(tree_.at(0, 125, 75)), named["seen"]);
     EXPECT_EQ(tree_.objects().at(tree_.at(0, 125, 112)).role, AtspiRole::frame);
     EXPECT_EQ(tree_.at(0, 5, 5), 0U);
+}
+
+TEST_F(AtspiTreeTest, BearsQuestionsForPlacesThatAreNone) {
+    update({surface({node(AccessibleRole::text, "seen")})});
+    AtspiAnswers answers(tree_, {});
+    for (const char* const place : {"(2147483647, 2147483647, @u 0)", "(-2147483648, -2147483648, @u 1)",
+                                    "(-2147483648, 2147483647, @u 4294967295)"}) {
+        const GVariantPointer asked(g_variant_ref_sink(g_variant_new_parsed(place)));
+        const GVariantPointer answer(
+            g_variant_ref_sink(answers.called("1", "org.a11y.atspi.Component", "Contains", asked.get())));
+        gboolean contains = TRUE;
+        g_variant_get(answer.get(), "(b)", &contains);
+        EXPECT_FALSE(contains) << place;
+    }
 }
 
 TEST_F(AtspiTreeTest, TheItemIsOneButtonThatSaysItsParts) {

@@ -29,6 +29,12 @@ int intAt(GVariant* tuple, gsize place) {
     return number;
 }
 
+// A coordinate. Any number may come, and no screen reaches so far.
+int placeAt(GVariant* tuple, gsize place) {
+    constexpr int kFarthest = 1'000'000;
+    return std::clamp(intAt(tuple, place), -kFarthest, kFarthest);
+}
+
 std::uint32_t unsignedAt(GVariant* tuple, gsize place) {
     guint32 number = 0;
     g_variant_get_child(tuple, place, "u", &number);
@@ -155,8 +161,8 @@ GVariant* AtspiAnswers::component(AtspiId id, const AtspiObject& object, std::st
                                   GVariant* arguments) const {
     if (method == "Contains" || method == "GetAccessibleAtPoint") {
         const PixelRect origin = extents(object, unsignedAt(arguments, 2));
-        const int x = intAt(arguments, 0) - origin.x + object.extents.x;
-        const int y = intAt(arguments, 1) - origin.y + object.extents.y;
+        const int x = placeAt(arguments, 0) - origin.x + object.extents.x;
+        const int y = placeAt(arguments, 1) - origin.y + object.extents.y;
         if (method == "Contains") return boolean(object.extents.contains(x, y));
         const AtspiId found = tree_.at(id, x, y);
         if (found == 0) return g_variant_new("((so))", "", kNoPath);
