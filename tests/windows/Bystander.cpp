@@ -149,6 +149,24 @@ void Bystander::smear(xcb_window_t window, const PixelRect& part, std::uint32_t 
     sync();
 }
 
+void Bystander::own(const std::string& selection, xcb_window_t window) const {
+    xcb_set_selection_owner(connection_, window, atom(selection), XCB_CURRENT_TIME);
+    sync();
+}
+
+void Bystander::announce(const std::string& selection, xcb_window_t window) const {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = root_;
+    message.type = atom("MANAGER");
+    message.data.data32[1] = atom(selection);
+    message.data.data32[2] = window;
+    xcb_send_event(connection_, 0, root_, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    sync();
+}
+
 void Bystander::sync() const {
     focused();
 }

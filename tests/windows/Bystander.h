@@ -47,6 +47,10 @@ class Bystander {
     xcb_window_t focused() const;
     // Paints over a part of anybody's window.
     void smear(xcb_window_t window, const PixelRect& part, std::uint32_t color) const;
+    // Owns the selection with the window; XCB_NONE gives it up.
+    void own(const std::string& selection, xcb_window_t window) const;
+    // Says that it does, as a manager that begins: also where it is not true.
+    void announce(const std::string& selection, xcb_window_t window) const;
     // Waits until the server has done all that was asked here.
     void sync() const;
 

@@ -26,21 +26,11 @@ PlayedTray::PlayedTray(const std::string& display, xcb_visualid_t visual)
 }
 
 void PlayedTray::become(xcb_window_t owner) {
-    xcb_set_selection_owner(program_.get(), owner, program_.atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
-    program_.sync();
+    program_.own("_NET_SYSTEM_TRAY_S0", owner);
 }
 
 void PlayedTray::announce() {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = program_.root();
-    message.type = program_.atom("MANAGER");
-    message.data.data32[1] = program_.atom("_NET_SYSTEM_TRAY_S0");
-    message.data.data32[2] = owner_;
-    xcb_send_event(program_.get(), 0, program_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&message));
-    program_.sync();
+    program_.announce("_NET_SYSTEM_TRAY_S0", owner_);
 }
 
 xcb_window_t PlayedTray::asking() {

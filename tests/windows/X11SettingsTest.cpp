@@ -19,22 +19,8 @@ class PlayedManager {
         announce();
         return *this;
     }
-    void own(xcb_window_t window) {
-        xcb_set_selection_owner(program_.get(), window, program_.atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
-        program_.sync();
-    }
-    void announce() {
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = program_.root();
-        message.type = program_.atom("MANAGER");
-        message.data.data32[1] = program_.atom("_XSETTINGS_S0");
-        message.data.data32[2] = window_;
-        xcb_send_event(program_.get(), 0, program_.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                       reinterpret_cast<const char*>(&message));
-        program_.sync();
-    }
+    void own(xcb_window_t window) { program_.own("_XSETTINGS_S0", window); }
+    void announce() { program_.announce("_XSETTINGS_S0", window_); }
     // In units of 1, 2 or 4 bytes; of the protocol's type unless another one is named.
     void write(const std::string& bytes, std::uint8_t unit = 1, const char* type = "_XSETTINGS_SETTINGS") {
         writeTo(window_, bytes, unit, type);
