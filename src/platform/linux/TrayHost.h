@@ -22,8 +22,8 @@ class TrayHost final : public StatusItemHost {
         std::function<void()> lost;
     };
 
-    // `tray` takes the requests of items, as its selection tells; it may have gone by now. The request is made
-    // in a later turn, with the length that is known then.
+    // `tray` takes the requests of items, as its selection tells; it may have gone by now. The request is
+    // made in a later turn, with the length that is known then.
     TrayHost(const Desk& desk, xcb_window_t tray, Events events);
     ~TrayHost() override;
 
