@@ -13,7 +13,7 @@
 namespace norvane {
 namespace {
 
-struct Drawn {
+struct DrawnArc {
     double animatedUsage = 0;
     double target = 0;
     bool hasAppeared = false;
@@ -23,7 +23,7 @@ constexpr double kSide = 38;
 constexpr double kLine = 4.5;
 const Animation kMove = Animation::easeOut(0.35);
 
-Element ring(const Drawn& drawn, const Paint& color) {
+Element ring(const DrawnArc& drawn, const Paint& color) {
     const StrokeStyle track{.width = kLine};
     const StrokeStyle arc{.width = kLine, .cap = LineCap::round};
     const double part = drawn.animatedUsage / 100;
@@ -39,7 +39,7 @@ Element ring(const Drawn& drawn, const Paint& color) {
 }  // namespace
 
 Element ArdoCoreArc::body() const {
-    return stateful<Drawn>({}, [view = *this](const State<Drawn>& drawn) {
+    return stateful<DrawnArc>({}, [view = *this](const State<DrawnArc>& drawn) {
         const std::string name = "Core " + std::to_string(view.index);
         Element arc =
             vstack({.spacing = 8},            //
@@ -49,7 +49,7 @@ Element ArdoCoreArc::body() const {
                              .name = name,
                              .value = gaugePercent(view.usage / 100),
                              .number = gaugeNumber(view.usage / 100)});
-        return following(std::move(arc), drawn, &Drawn::animatedUsage, view.usage, kMove);
+        return following(std::move(arc), drawn, &DrawnArc::animatedUsage, view.usage, kMove);
     });
 }
 

@@ -10,14 +10,14 @@
 namespace norvane {
 namespace {
 
-struct Drawn {
+struct DrawnBar {
     double animatedRatio = 0;
     bool hasAppeared = false;
     bool isBreathing = false;
     double target = 0;
 };
 
-ShapeStyle fillStyle(const Paint& color, const Drawn& drawn) {
+ShapeStyle fillStyle(const Paint& color, const DrawnBar& drawn) {
     const FillStyle highlight(Paint(Ink::white).withOpacity(0.4), Ink::clear, GradientDirection::topToBottom);
     return {.fill = FillStyle(color.withOpacity(0.7), color, GradientDirection::leadingToTrailing),
             .stroke = Stroke{.fill = highlight, .style = {.width = 0.5}},
@@ -38,15 +38,16 @@ double ArdoNeonBar::ratio(double value, double total) {
 Element ArdoNeonBar::body() const {
     const double target = ratio(value, total);
     const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kBarDamping);
-    return stateful<Drawn>(
+    return stateful<DrawnBar>(
                {},
-               [color = color, target, animation](const State<Drawn>& state) {
+               [color = color, target, animation](const State<DrawnBar>& state) {
                    Element bar = shape(Outline::capsule(), {.fill = Paint(Ink::primary).withOpacity(0.05)})
                                      .overlay(shape(Outline::capsule(), fillStyle(color, *state)));
-                   return following(std::move(bar), state, &Drawn::animatedRatio, target, animation, [state] {
-                       state.animate(GaugeMotion::breathing(),
-                                     [](Drawn& drawn) { drawn.isBreathing = true; });
-                   });
+                   return following(std::move(bar), state, &DrawnBar::animatedRatio, target, animation,
+                                    [state] {
+                                        state.animate(GaugeMotion::breathing(),
+                                                      [](DrawnBar& drawn) { drawn.isBreathing = true; });
+                                    });
                })
         .accessible(
             {.role = AccessibleRole::meter, .value = gaugePercent(target), .number = gaugeNumber(target)});

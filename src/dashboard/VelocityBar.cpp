@@ -10,7 +10,7 @@
 namespace norvane {
 namespace {
 
-struct Drawn {
+struct DrawnVelocity {
     double animatedFill = 0;
     bool hasAppeared = false;
     double target = 0;
@@ -26,13 +26,13 @@ double VelocityBar::fill(double speedMBps) {
 Element VelocityBar::body() const {
     const double target = fill(speedMBps);
     const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kBarDamping);
-    return stateful<Drawn>(
+    return stateful<DrawnVelocity>(
                {},
-               [color = color, target, animation](const State<Drawn>& state) {
+               [color = color, target, animation](const State<DrawnVelocity>& state) {
                    Element bar = shape(Outline::capsule(), {.fill = color.withOpacity(0.15)})
                                      .overlay(shape(Outline::capsule(),
                                                     {.fill = color, .leadingPart = state->animatedFill}));
-                   return following(std::move(bar), state, &Drawn::animatedFill, target, animation);
+                   return following(std::move(bar), state, &DrawnVelocity::animatedFill, target, animation);
                })
         .accessible(
             {.role = AccessibleRole::meter, .value = gaugePercent(target), .number = gaugeNumber(target)});

@@ -14,7 +14,7 @@
 namespace norvane {
 namespace {
 
-struct Drawn {
+struct DrawnGauge {
     double animatedProgress = 0;
     bool hasAppeared = false;
     bool isBreathing = false;
@@ -32,14 +32,14 @@ double finite(double progress) {
 }
 
 // It has an opacity of its own: the glow breathes on while it comes and goes.
-Element glow(const Outline& arc, const Paint& color, const Drawn& drawn) {
+Element glow(const Outline& arc, const Paint& color, const DrawnGauge& drawn) {
     return shape(arc, {.stroke = Stroke{.fill = Ink::clear, .style = kLine},
                        .shadows = {{.paint = color.withOpacity(drawn.isBreathing ? 0.8 : 0.3),
                                     .radius = drawn.isBreathing ? 7.0 : 3.0}}})
         .opacity(drawn.animatedProgress > 0 ? 1 : 0);
 }
 
-Element ring(const WidgetRingView& view, const Drawn& drawn) {
+Element ring(const WidgetRingView& view, const DrawnGauge& drawn) {
     const Outline arc = Outline::arc(0, drawn.animatedProgress);
     const FillStyle track(Paint(Ink::primary).withOpacity(0.15));
     return zstack({},  //
@@ -68,16 +68,16 @@ Element texts(const WidgetRingView& view) {
 Element WidgetRingView::body() const {
     const double target = finite(progress);
     const Animation animation = GaugeMotion::animation(useSpring, GaugeMotion::kRingDamping);
-    return stateful<Drawn>({},
-                           [view = *this, target, animation](const State<Drawn>& state) {
-                               Element gauge = vstack({.spacing = kSpacing}, ring(view, *state), texts(view));
-                               return following(std::move(gauge), state, &Drawn::animatedProgress, target,
-                                                animation, [state] {
-                                                    state.animate(GaugeMotion::breathing(), [](Drawn& drawn) {
-                                                        drawn.isBreathing = true;
-                                                    });
-                                                });
-                           })
+    return stateful<DrawnGauge>(
+               {},
+               [view = *this, target, animation](const State<DrawnGauge>& state) {
+                   Element gauge = vstack({.spacing = kSpacing}, ring(view, *state), texts(view));
+                   return following(std::move(gauge), state, &DrawnGauge::animatedProgress, target, animation,
+                                    [state] {
+                                        state.animate(GaugeMotion::breathing(),
+                                                      [](DrawnGauge& drawn) { drawn.isBreathing = true; });
+                                    });
+               })
         .accessible({.role = AccessibleRole::meter,
                      .name = title,
                      .value = valueText.empty() ? gaugePercent(target) : valueText,

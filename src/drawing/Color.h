@@ -11,6 +11,8 @@ struct Color {
 
     constexpr Color withOpacity(double opacity) const { return {red, green, blue, alpha * opacity}; }
     static constexpr Color clear() { return {0, 0, 0, 0}; }
+    static constexpr Color black() { return {0, 0, 0, 1}; }
+    static constexpr Color white() { return {1, 1, 1, 1}; }
 
     bool operator==(const Color&) const = default;
 };

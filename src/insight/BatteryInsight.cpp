@@ -46,7 +46,7 @@ std::string_view onBattery(const SystemSnapshot& now, bool isLowPowerModeEnabled
     return sentences::kBatteryHealthy;
 }
 
-std::string_view explanationOf(const SystemSnapshot& now, bool isLowPowerModeEnabled) {
+std::string_view batteryExplanation(const SystemSnapshot& now, bool isLowPowerModeEnabled) {
     if (isThermallyLimited(now.thermalLevel)) return onHeat(now);
     if (!now.isOnBattery) return onMains(now);
     return onBattery(now, isLowPowerModeEnabled);
@@ -57,7 +57,7 @@ std::string_view explanationOf(const SystemSnapshot& now, bool isLowPowerModeEna
 std::string_view batteryInsightText(const SystemSnapshot* snapshot, bool isLowPowerModeEnabled,
                                     InsightVerbosity verbosity) {
     if (snapshot == nullptr) return sentences::kBatteryUnavailable;
-    return atVerbosity(verbosity, explanationOf(*snapshot, isLowPowerModeEnabled));
+    return atVerbosity(verbosity, batteryExplanation(*snapshot, isLowPowerModeEnabled));
 }
 
 }  // namespace norvane

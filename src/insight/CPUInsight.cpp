@@ -6,7 +6,7 @@
 namespace norvane {
 namespace {
 
-std::string_view explanationOf(const SystemSnapshot& now) {
+std::string_view cpuExplanation(const SystemSnapshot& now) {
     if (now.cpuState == ComponentState::critical) {
         if (now.isGPUSaturated) return sentences::kCPUAndGPUSaturated;
         if (now.isPCoreSaturated) return sentences::kPCoresSaturated;
@@ -22,7 +22,7 @@ std::string_view explanationOf(const SystemSnapshot& now) {
 
 std::string_view cpuInsightText(const SystemSnapshot* snapshot, InsightVerbosity verbosity) {
     if (snapshot == nullptr) return sentences::kCPUUnavailable;
-    return atVerbosity(verbosity, explanationOf(*snapshot));
+    return atVerbosity(verbosity, cpuExplanation(*snapshot));
 }
 
 }  // namespace norvane

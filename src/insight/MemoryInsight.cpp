@@ -13,7 +13,7 @@ namespace {
 constexpr double kMuchSwapGB = 1.0;
 constexpr double kMuchCompressed = 0.4;
 
-std::string_view explanationOf(const SystemSnapshot& now) {
+std::string_view memoryExplanation(const SystemSnapshot& now) {
     const std::int64_t tier = memoryPressureTier(&now);
     if (tier == kCriticalMemoryPressure) return sentences::kMemoryCritical;
     // Thrashing without much swap in use is a passing thing.
@@ -39,7 +39,7 @@ std::int64_t memoryPressureTier(const SystemSnapshot* snapshot) {
 
 std::string_view memoryInsightText(const SystemSnapshot* snapshot, InsightVerbosity verbosity) {
     if (snapshot == nullptr) return sentences::kMemoryUnavailable;
-    return atVerbosity(verbosity, explanationOf(*snapshot));
+    return atVerbosity(verbosity, memoryExplanation(*snapshot));
 }
 
 }  // namespace norvane

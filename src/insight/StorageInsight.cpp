@@ -7,7 +7,7 @@
 namespace norvane {
 namespace {
 
-std::string_view explanationOf(const SystemSnapshot& now, double readMBps, double writeMBps) {
+std::string_view storageExplanation(const SystemSnapshot& now, double readMBps, double writeMBps) {
     if (now.isStorageCritical) return sentences::kStorageCritical;
     if (now.isStorageLow) return sentences::kStorageLow;
     if (now.isStorageHeavyIO && readMBps < writeMBps) return sentences::kStorageHeavyWrite;
@@ -22,7 +22,7 @@ std::string_view storageInsightText(const SystemSnapshot* snapshot, const std::v
                                     double readMBps, double writeMBps, InsightVerbosity verbosity) {
     // The first boot volume is the first of the primary ones that is one.
     if (snapshot == nullptr || bootVolumeOf(volumes) == nullptr) return sentences::kStorageUnavailable;
-    return atVerbosity(verbosity, explanationOf(*snapshot, readMBps, writeMBps));
+    return atVerbosity(verbosity, storageExplanation(*snapshot, readMBps, writeMBps));
 }
 
 }  // namespace norvane

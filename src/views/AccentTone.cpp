@@ -7,8 +7,6 @@ namespace norvane {
 namespace {
 
 constexpr double kLeastContrast = 3;
-constexpr Color kWhite{1, 1, 1, 1};
-constexpr Color kBlack{0, 0, 0, 1};
 
 bool isReadable(const Color& color, const Color& ground) {
     return contrastBetween(color, ground) >= kLeastContrast;
@@ -32,9 +30,9 @@ Color towards(const Color& end, const Color& color, const Color& ground) {
 // A dark panel leaves room between the two: what is just light enough for it is dark enough for white text.
 Color accentTone(const Color& chosen, bool isDark) {
     Color tone = chosen;
-    if (!isReadable(tone, kWhite)) tone = towards(kBlack, tone, kWhite);
+    if (!isReadable(tone, Color::white())) tone = towards(Color::black(), tone, Color::white());
     const Color panel = panelTones(isDark).panel;
-    if (!isReadable(tone, panel)) tone = towards(isDark ? kWhite : kBlack, tone, panel);
+    if (!isReadable(tone, panel)) tone = towards(isDark ? Color::white() : Color::black(), tone, panel);
     return tone;
 }
 

@@ -16,8 +16,6 @@ constexpr Insets kProminentPadding{.top = 7, .left = 16, .bottom = 7, .right = 1
 constexpr double kProminentRadius = 8;
 constexpr TextStyle kProminentText{.font = {.size = 14, .weight = FontWeight::medium},
                                    .alignment = TextAlignment::center};
-constexpr Color kBlack{0, 0, 0, 1};
-constexpr Color kWhite{1, 1, 1, 1};
 
 }  // namespace
 
@@ -33,8 +31,8 @@ Element button(std::string name, Element label, std::function<void()> action, co
 
 Element prominentButton(std::string label, double minLabelWidth, const Color& tint,
                         std::function<void()> action) {
-    const bool isDarkBetter = contrastBetween(tint, kBlack) >= contrastBetween(tint, kWhite);
-    Element shown = text(label, kProminentText, isDarkBetter ? kBlack : kWhite)
+    const bool isDarkBetter = contrastBetween(tint, Color::black()) >= contrastBetween(tint, Color::white());
+    Element shown = text(label, kProminentText, isDarkBetter ? Color::black() : Color::white())
                         .frame({.minWidth = minLabelWidth})
                         .padding(kProminentPadding)
                         .background(shape(Outline::roundedRectangle(kProminentRadius), {.fill = tint}));

@@ -14,7 +14,7 @@ struct Pointed {
     bool isOver = false;
 };
 
-constexpr double kRadius = 3;
+constexpr double kFocusRadius = 3;
 
 Element underlined(Element label, const TextStyle& style, const Paint& paint) {
     // Just below the letters' feet, which stand a fifth of a size above the lower edge of their line.
@@ -34,7 +34,7 @@ Element link(std::string text, const TextStyle& style, std::function<void()> act
         Element label = norvane::text(text, style, paint);
         if (pointed->isOver) label = underlined(std::move(label), style, paint);
         return button(Accessible{.role = AccessibleRole::link, .name = text}, std::move(label), action,
-                      {.radius = kRadius})
+                      {.radius = kFocusRadius})
             .onHover([pointed](bool isOver) {
                 pointed.change([isOver](Pointed& state) { state.isOver = isOver; });
             });

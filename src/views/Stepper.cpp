@@ -16,7 +16,7 @@ namespace {
 // In points.
 constexpr double kSideWidth = 25;
 constexpr double kHeight = 20;
-constexpr double kRadius = 6;
+constexpr double kCornerRadius = 6;
 constexpr double kDividerHeight = 12;
 constexpr Font kSymbolFont{.size = 10, .weight = FontWeight::semibold};
 
@@ -31,7 +31,7 @@ Step stepTo(std::optional<double> next, const std::function<void(double)>& chang
 Element side(const char* symbolName, const Step& step) {
     Element label = symbol(symbolName, kSymbolFont).frame({.width = kSideWidth, .height = kHeight});
     return button(Accessible{}, std::move(label), step,
-                  {.radius = kRadius, .isEnabled = step != nullptr, .takesFocus = false});
+                  {.radius = kCornerRadius, .isEnabled = step != nullptr, .takesFocus = false});
 }
 
 Element sides(const Step& down, const Step& up) {
@@ -39,7 +39,7 @@ Element sides(const Step& down, const Step& up) {
                          {.fill = Paint(Ink::primary).withOpacity(0.15), .snapping = Snapping::toPixels})
                        .frame({.width = 1, .height = kDividerHeight});
     return hstack({}, side("minus", down), std::move(line), side("plus", up))
-        .background(shape(Outline::roundedRectangle(kRadius),
+        .background(shape(Outline::roundedRectangle(kCornerRadius),
                           {.fill = Paint(Ink::primary).withOpacity(0.08),
                            .stroke = Stroke{.fill = Paint(Ink::primary).withOpacity(0.1)},
                            .snapping = Snapping::toPixels}));
@@ -71,7 +71,7 @@ class StepperNode final : public WrappingNode {
 
  protected:
     void paint(SceneBuilder& scene, const Rect& frame) const override {
-        scene.sense(frame, interaction_, kRadius);
+        scene.sense(frame, interaction_, kCornerRadius);
         scene.accessible(told_, frame, [&] { paintChildren(scene); });
     }
 

@@ -8,7 +8,7 @@
 namespace norvane {
 namespace {
 
-constexpr const char* kName = "org.a11y.Bus";
+constexpr const char* kBusName = "org.a11y.Bus";
 constexpr const char* kPath = "/org/a11y/bus";
 constexpr const char* kBus = "org.a11y.Bus";
 constexpr const char* kStatus = "org.a11y.Status";
@@ -28,12 +28,12 @@ LinuxAccessibility::LinuxAccessibility(BusConnection& sessionBus, MainQueue& mai
       clock_(clock),
       surfaces_(surfaces),
       scale_(std::move(scale)) {
-    owner_ = sessionBus_.onOwnerChange(kName, [this](bool hasOwner) {
+    owner_ = sessionBus_.onOwnerChange(kBusName, [this](bool hasOwner) {
         // Another one has another bus.
         know(false);
         if (hasOwner) ask();
     });
-    changes_ = sessionBus_.onSignal({.sender = kName,
+    changes_ = sessionBus_.onSignal({.sender = kBusName,
                                      .path = kPath,
                                      .interface = kProperties,
                                      .member = "PropertiesChanged",
@@ -48,7 +48,7 @@ LinuxAccessibility::LinuxAccessibility(BusConnection& sessionBus, MainQueue& mai
 }
 
 void LinuxAccessibility::ask() {
-    question_ = sessionBus_.call({.name = kName,
+    question_ = sessionBus_.call({.name = kBusName,
                                   .path = kPath,
                                   .interface = kProperties,
                                   .method = "Get",
@@ -86,7 +86,7 @@ void LinuxAccessibility::know(bool isEnabled) {
 }
 
 void LinuxAccessibility::askForBus() {
-    addressQuestion_ = sessionBus_.call({.name = kName,
+    addressQuestion_ = sessionBus_.call({.name = kBusName,
                                          .path = kPath,
                                          .interface = kBus,
                                          .method = "GetAddress",

@@ -6,17 +6,17 @@
 
 #include "platform/linux/NotificationText.h"
 #include "platform/linux/NotifierMenu.h"
+#include "platform/linux/NotifierWatch.h"
 #include "platform/Utf8.h"
 
 namespace norvane {
 namespace {
 
-constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 constexpr const char* kItem = "org.kde.StatusNotifierItem";
 constexpr const char* kItemPath = "/StatusNotifierItem";
 
-constexpr const char* kDescription = R"(<node><interface name='org.kde.StatusNotifierItem'>
+constexpr const char* kItemInterfaces = R"(<node><interface name='org.kde.StatusNotifierItem'>
     <property name='Category' type='s' access='read'/>
     <property name='Id' type='s' access='read'/>
     <property name='Title' type='s' access='read'/>
@@ -69,11 +69,12 @@ NotifierItem::NotifierItem(BusConnection& sessionBus, MainQueue& mainQueue, cons
       tellingToolTip_(mainQueue, clock, kToolTipPause, [this] { return tellToolTip(); }),
       // Before the name: who learns of it finds the object.
       object_(bus_.exportObject({.path = kItemPath,
-                                 .description = kDescription,
+                                 .description = kItemInterfaces,
                                  .called = [this](std::string_view method,
                                                   GVariant* arguments) { return called(method, arguments); },
                                  .read = [this](std::string_view property) { return read(property); }})),
-      watcher_(bus_.onOwnerChange(kWatcher, [this](bool hasOwner) { watcherChanged(hasOwner); })),
+      watcher_(
+          bus_.onOwnerChange(NotifierWatch::kWatcher, [this](bool hasOwner) { watcherChanged(hasOwner); })),
       name_(bus_, "org.kde.StatusNotifierItem-" + std::to_string(getpid()) + '-' + std::to_string(number),
             [this](bool isOwned) { nameChanged(isOwned); }) {}
 
@@ -99,9 +100,9 @@ void NotifierItem::watcherChanged(bool isThere) {
 void NotifierItem::registerAtWatcher() {
     if (!name_.isOwned()) return;
     toldToolTip_ = toolTip_;  // a panel that meets the item reads all of it
-    registration_ = bus_.call({.name = kWatcher,
+    registration_ = bus_.call({.name = NotifierWatch::kWatcher,
                                .path = kWatcherPath,
-                               .interface = kWatcher,
+                               .interface = NotifierWatch::kWatcher,
                                .method = "RegisterStatusNotifierItem",
                                .parameters = g_variant_new("(s)", name_.text().c_str()),
                                .flags = G_DBUS_CALL_FLAGS_NO_AUTO_START,

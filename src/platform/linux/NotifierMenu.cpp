@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kInterface = "com.canonical.dbusmenu";
 
-constexpr const char* kDescription = R"(<node><interface name='com.canonical.dbusmenu'>
+constexpr const char* kMenuInterface = R"(<node><interface name='com.canonical.dbusmenu'>
     <property name='Version' type='u' access='read'/>
     <property name='TextDirection' type='s' access='read'/>
     <property name='Status' type='s' access='read'/>
@@ -110,7 +110,7 @@ NotifierMenu::NotifierMenu(BusConnection& sessionBus, MainQueue& mainQueue)
       mainQueue_(mainQueue),
       items_(std::make_shared<std::vector<StatusMenuItem>>()),
       object_(bus_.exportObject({.path = kPath,
-                                 .description = kDescription,
+                                 .description = kMenuInterface,
                                  .called = [this](std::string_view method,
                                                   GVariant* arguments) { return called(method, arguments); },
                                  .read = read})) {}

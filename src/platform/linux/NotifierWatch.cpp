@@ -9,7 +9,6 @@ namespace norvane {
 namespace {
 
 // Also its interface.
-constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kPath = "/StatusNotifierWatcher";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kIsHostRegistered = "IsStatusNotifierHostRegistered";

@@ -21,6 +21,8 @@ class NotifierWatch {
         present,
     };
 
+    // The name of the watcher, and of its interface.
+    static constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
     // What a watcher has to answer: somebody waits for the status item meanwhile.
     static constexpr std::chrono::milliseconds kLimit = std::chrono::seconds(2);
 

@@ -6,34 +6,30 @@
 
 namespace norvane {
 
-namespace {
-
-// One request, on its lane. Shared with it.
-struct Job {
-    std::function<void()> work;
-    ReadBehind::Now now;
-    std::shared_ptr<LaneWaiter> waiter;
-    // How many requests have been answered, and whether the last one was within the budget.
-    std::atomic<std::uint64_t> answered{0};
-    std::atomic<bool> wasQuick{true};
-
-    void run() {
-        const MonotonicInstant begin = now();
-        try {
-            work();
-        } catch (...) {
-            // Out of memory, say: the last answer stands.
-        }
-        wasQuick = now() - begin <= ReadBehind::kBudget;
-        ++answered;
-        waiter->arrived();
-    }
-};
-
-}  // namespace
-
 class ReadBehind::Source {
  public:
+    // One request, on its lane. Shared with it.
+    struct Job {
+        std::function<void()> work;
+        ReadBehind::Now now;
+        std::shared_ptr<LaneWaiter> waiter;
+        // How many requests have been answered, and whether the last one was within the budget.
+        std::atomic<std::uint64_t> answered{0};
+        std::atomic<bool> wasQuick{true};
+
+        void run() {
+            const MonotonicInstant begin = now();
+            try {
+                work();
+            } catch (...) {
+                // Out of memory, say: the last answer stands.
+            }
+            wasQuick = now() - begin <= ReadBehind::kBudget;
+            ++answered;
+            waiter->arrived();
+        }
+    };
+
     std::unique_ptr<Lane> lane;
     std::shared_ptr<Job> job;
     AskedBy askedBy = nullptr;
@@ -57,7 +53,7 @@ ReadBehind::Source& ReadBehind::add(std::unique_ptr<Lane> lane, AskedBy askedBy,
     auto source = std::make_unique<Source>();
     source->lane = std::move(lane);
     source->askedBy = askedBy;
-    source->job = std::make_shared<Job>();
+    source->job = std::make_shared<Source::Job>();
     source->job->work = std::move(work);
     source->job->now = now_;
     source->job->waiter = waiter_;

@@ -8,13 +8,13 @@
 namespace norvane {
 namespace {
 
-constexpr std::string_view kName = "XWAYLAND";
+constexpr std::string_view kExtension = "XWAYLAND";
 
 }  // namespace
 
 bool runsOnWayland(xcb_connection_t* connection, xcb_window_t root, bool hasOutputs) {
     const auto extensionCookie =
-        xcb_query_extension(connection, static_cast<std::uint16_t>(kName.size()), kName.data());
+        xcb_query_extension(connection, static_cast<std::uint16_t>(kExtension.size()), kExtension.data());
     xcb_randr_get_screen_resources_current_cookie_t outputsCookie{};
     if (hasOutputs) outputsCookie = xcb_randr_get_screen_resources_current(connection, root);
     const X11Reply<xcb_query_extension_reply_t> extension(
@@ -32,7 +32,7 @@ bool runsOnWayland(xcb_connection_t* connection, xcb_window_t root, bool hasOutp
     if (!info || info->status != XCB_RANDR_SET_CONFIG_SUCCESS) return false;
     const std::string_view name(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get())),
                                 static_cast<std::size_t>(xcb_randr_get_output_info_name_length(info.get())));
-    return name.starts_with(kName);
+    return name.starts_with(kExtension);
 }
 
 }  // namespace norvane

@@ -8,7 +8,7 @@
 namespace norvane {
 namespace {
 
-constexpr std::string_view kName = "Xft.dpi";
+constexpr std::string_view kResource = "Xft.dpi";
 constexpr std::string_view kBlank = " \t\r";
 constexpr double kPlainDpi = 96;
 
@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text) {
 // The line's value, if it is a line about the wanted resource.
 std::optional<std::string_view> valueIn(std::string_view line) {
     const auto colon = line.find(':');
-    if (colon == std::string_view::npos || trimmed(line.substr(0, colon)) != kName) return std::nullopt;
+    if (colon == std::string_view::npos || trimmed(line.substr(0, colon)) != kResource) return std::nullopt;
     return trimmed(line.substr(colon + 1));
 }
 
