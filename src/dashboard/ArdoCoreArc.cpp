@@ -20,12 +20,12 @@ struct DrawnArc {
 };
 
 constexpr double kSide = 38;
-constexpr double kLine = 4.5;
+constexpr double kArcWidth = 4.5;
 const Animation kMove = Animation::easeOut(0.35);
 
-Element ring(const DrawnArc& drawn, const Paint& color) {
-    const StrokeStyle track{.width = kLine};
-    const StrokeStyle arc{.width = kLine, .cap = LineCap::round};
+Element arcRing(const DrawnArc& drawn, const Paint& color) {
+    const StrokeStyle track{.width = kArcWidth};
+    const StrokeStyle arc{.width = kArcWidth, .cap = LineCap::round};
     const double part = drawn.animatedUsage / 100;
     return zstack({},
                   shape(Outline::arc(0, 1),
@@ -42,8 +42,8 @@ Element ArdoCoreArc::body() const {
     return stateful<DrawnArc>({}, [view = *this](const State<DrawnArc>& drawn) {
         const std::string name = "Core " + std::to_string(view.index);
         Element arc =
-            vstack({.spacing = 8},            //
-                   ring(*drawn, view.color),  //
+            vstack({.spacing = 8},               //
+                   arcRing(*drawn, view.color),  //
                    text(name, {.font = font::system(10, FontWeight::medium), .lineLimit = 1}, Ink::secondary))
                 .accessible({.role = AccessibleRole::meter,
                              .name = name,

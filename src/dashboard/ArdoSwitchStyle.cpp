@@ -16,7 +16,7 @@ namespace {
 
 // In points.
 constexpr double kWidth = 34;
-constexpr double kHeight = 20;
+constexpr double kSwitchHeight = 20;
 constexpr double kThumb = 14;
 constexpr double kTravel = 7;
 constexpr double kGlowRadius = 4;
@@ -26,7 +26,7 @@ constexpr double kRowRadius = 6;
 constexpr double kLeastGap = 12;
 
 // The switch keeps nothing; this is what it moves by.
-struct Nothing {};
+struct Flipping {};
 
 Element switchOf(const Paint& tint, bool isOn) {
     const Paint primary = Ink::primary;
@@ -42,7 +42,7 @@ Element switchOf(const Paint& tint, bool isOn) {
              .shadows = {{.paint = isOn ? tint.withOpacity(0.4) : Paint(Ink::clear), .radius = kGlowRadius}}})
             .frame({.width = kThumb, .height = kThumb})
             .offset({isOn ? kTravel : -kTravel, 0});
-    return zstack({}, std::move(capsule), std::move(thumb)).frame({.width = kWidth, .height = kHeight});
+    return zstack({}, std::move(capsule), std::move(thumb)).frame({.width = kWidth, .height = kSwitchHeight});
 }
 
 }  // namespace
@@ -50,13 +50,13 @@ Element switchOf(const Paint& tint, bool isOn) {
 Element ArdoSwitchStyle::body(const std::string& label, bool isOn, std::function<void(bool)> flipped,
                               bool isEnabled) const {
     const TextStyle style{.font = {.size = 13}};
-    return stateful<Nothing>({}, [tint = tint, label, isOn, flipped = std::move(flipped), isEnabled,
-                                  style](const State<Nothing>& moving) {
+    return stateful<Flipping>({}, [tint = tint, label, isOn, flipped = std::move(flipped), isEnabled,
+                                   style](const State<Flipping>& moving) {
         Element row =
             hstack({}, text(label, style).layoutPriority(1), spacer(kLeastGap), switchOf(tint, isOn))
                 .padding(Insets::vertical(kRowPadding));
         const auto flip = [moving, flipped, isOn] {
-            moving.animate(ardoControlMotion(), [&](Nothing&) {
+            moving.animate(ardoControlMotion(), [&](Flipping&) {
                 if (flipped) flipped(!isOn);
             });
         };

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kBarHeight = 10;
 // Between the lines, in points.
-constexpr double kSpacing = 6;
+constexpr double kKeySpacing = 6;
 
 Element key(const Paint& paint, const std::string& label) {
     return hstack({.spacing = 4}, panelDot(paint),
@@ -23,8 +23,8 @@ Element key(const Paint& paint, const std::string& label) {
 
 Element KeyedBar::body() const {
     return vstack(
-        {.alignment = Alignment::start, .spacing = kSpacing},
-        vstack({.spacing = kSpacing},
+        {.alignment = Alignment::start, .spacing = kKeySpacing},
+        vstack({.spacing = kKeySpacing},
                hstack({.spacing = 4},     //
                       panelLabel(label),  //
                       spacer(),           //

@@ -14,37 +14,37 @@ namespace norvane {
 namespace {
 
 // In points.
-constexpr double kHeight = 22;
+constexpr double kRowHeight = 22;
 constexpr double kPadding = 2;
 
 // The row keeps nothing; this is what it moves by.
-struct Nothing {};
+struct Moving {};
 
 Element pill(const SegmentRow& row) {
     return shape(Outline::capsule(), {.fill = row.activeTint})
-        .frame({.width = row.itemWidth, .height = kHeight})
+        .frame({.width = row.itemWidth, .height = kRowHeight})
         .offset({static_cast<double>(*row.chosen) * row.itemWidth, 0})
         .id("ArdoPill");
 }
 
-Element segment(const SegmentRow& row, std::size_t index, const State<Nothing>& moving) {
+Element segment(const SegmentRow& row, std::size_t index, const State<Moving>& moving) {
     const TextStyle style{.font = {.size = 11, .weight = FontWeight::medium}};
     const bool isChosen = row.chosen == index;
     const Paint paint = isChosen ? Paint(Ink::black) : Paint(Ink::primary).withOpacity(0.6);
     const auto press = [moving, choose = row.choose, index, isChosen] {
         if (isChosen || !choose) return;
-        moving.animate(ardoControlMotion(), [&](Nothing&) { choose(index); });
+        moving.animate(ardoControlMotion(), [&](Moving&) { choose(index); });
     };
     return button(
         Accessible{.role = AccessibleRole::radioButton, .name = row.labels[index], .isOn = isChosen},
-        text(row.labels[index], style, paint).frame({.width = row.itemWidth, .height = kHeight}), press,
-        {.radius = kHeight / 2, .dimsWhileHeld = !isChosen});
+        text(row.labels[index], style, paint).frame({.width = row.itemWidth, .height = kRowHeight}), press,
+        {.radius = kRowHeight / 2, .dimsWhileHeld = !isChosen});
 }
 
 }  // namespace
 
 Element SegmentRow::body() const {
-    return stateful<Nothing>({}, [row = *this](const State<Nothing>& moving) {
+    return stateful<Moving>({}, [row = *this](const State<Moving>& moving) {
         std::vector<Element> segments;
         for (std::size_t index = 0; index < row.labels.size(); ++index)
             segments.push_back(segment(row, index, moving));

@@ -55,7 +55,7 @@ namespace {
 // After an unmount, until the machine has forgotten the volume.
 constexpr std::chrono::milliseconds kUnmountDelay{500};
 constexpr double kControlSide = 16;
-constexpr double kRadius = 6;
+constexpr double kButtonRadius = 6;
 // An empty card reader's slot has no size to tell of.
 constexpr double kLeastTotalGB = 0.1;
 
@@ -72,7 +72,7 @@ Element figuresOf(const ExternalVolume& volume, const std::string& sizes) {
 }
 
 Element plate() {
-    return shape(Outline::roundedRectangle(kRadius), {.fill = Paint(Ink::primary).withOpacity(0.1)});
+    return shape(Outline::roundedRectangle(kButtonRadius), {.fill = Paint(Ink::primary).withOpacity(0.1)});
 }
 
 }  // namespace
@@ -185,7 +185,7 @@ Element StorageDetailListView::body() const {
                                  text("Eject All", {.font = font::system(11, FontWeight::medium)}))
                               .padding({.top = 4, .left = 8, .bottom = 4, .right = 8})
                               .background(plate()),
-                          [view, listing] { view.ejectAllVolumes(listing); }, {.radius = kRadius})
+                          [view, listing] { view.ejectAllVolumes(listing); }, {.radius = kButtonRadius})
                 .padding({.bottom = 4});
         };
         return vstack(

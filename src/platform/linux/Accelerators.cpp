@@ -22,7 +22,7 @@ std::string linkedName(const RootFolder& root, const std::string& link) {
     return target ? namePart(*target) : std::string();
 }
 
-std::optional<std::uint64_t> numberIn(const RootFolder& root, const std::string& path) {
+std::optional<std::uint64_t> numberInFile(const RootFolder& root, const std::string& path) {
     const auto text = root.read(path);
     return text ? parseNumber(*text) : std::nullopt;
 }
@@ -172,7 +172,7 @@ std::optional<double> Accelerators::percent(const Card& card, Common& common) {
 
 // Some integrated devices always say 0, 99 or 100: that is how the kernel sees them.
 std::optional<double> Accelerators::busyPercent(const Card& card) const {
-    const auto percent = numberIn(root_, card.folder + "device/gpu_busy_percent");
+    const auto percent = numberInFile(root_, card.folder + "device/gpu_busy_percent");
     if (!percent || *percent > 100) return std::nullopt;
     return static_cast<double>(*percent);
 }
@@ -191,7 +191,7 @@ std::optional<double> Accelerators::clientsPercent(const Card& card, DrmClients:
     }
     std::optional<double> busiest;
     for (const std::string& counter : idleCounters(card)) {
-        const auto idle = numberIn(root_, counter);
+        const auto idle = numberInFile(root_, counter);
         const auto percent = idle ? history.idle[counter].busyPercent(*idle, now_()) : std::nullopt;
         if (percent) busiest = std::max(busiest.value_or(0), *percent);
     }

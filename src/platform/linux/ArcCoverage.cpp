@@ -13,8 +13,8 @@ namespace {
 // Pixels. Larger ones are drawn as other paths are.
 constexpr double kLargestRadius = 512;
 
-// One pixel's share of what lies within `reach` of a line, by the square of its distance from it.
-float within(float reach, float square) {
+// One pixel's share of what lies shareWithin `reach` of a line, by the square of its distance from it.
+float shareWithin(float reach, float square) {
     return std::clamp(reach + 0.5F - std::sqrt(square), 0.0F, std::min(1.0F, 2 * reach));
 }
 
@@ -94,8 +94,8 @@ std::optional<ArcCoverage> ArcCoverage::of(const Arc& arc, const StrokeStyle& st
     };
     const auto shareAt = [&](float x, float y) {
         if (isWhole || sector.contains(x, y)) return ringShare(squared(x, y));
-        return within(reach, std::min(squared(x - first.x * radius, y - first.y * radius),
-                                      squared(x - last.x * radius, y - last.y * radius)));
+        return shareWithin(reach, std::min(squared(x - first.x * radius, y - first.y * radius),
+                                           squared(x - last.x * radius, y - last.y * radius)));
     };
     const std::ptrdiff_t stride = cairo_image_surface_get_stride(result.mask.get());
     const auto left = static_cast<float>(result.area.x + 0.5 - arc.center.x);

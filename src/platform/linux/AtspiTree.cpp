@@ -9,7 +9,7 @@ namespace {
 
 using Kind = AtspiEvent::Kind;
 
-constexpr const char* kApplicationName = "Norvane";
+constexpr const char* kOwnName = "Norvane";
 constexpr const char* kItemName = "Norvane status item";
 
 // What a surface is called by: its first heading.
@@ -39,7 +39,7 @@ int lengthOf(const std::string& text) {
     return static_cast<int>(g_utf8_strlen(text.c_str(), -1));
 }
 
-bool isIn(const std::vector<AtspiId>& ids, AtspiId id) {
+bool isAmong(const std::vector<AtspiId>& ids, AtspiId id) {
     return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
@@ -47,7 +47,7 @@ bool isIn(const std::vector<AtspiId>& ids, AtspiId id) {
 std::vector<AtspiId> common(const std::vector<AtspiId>& ids, const std::vector<AtspiId>& others) {
     std::vector<AtspiId> both;
     std::copy_if(ids.begin(), ids.end(), std::back_inserter(both),
-                 [&](AtspiId id) { return isIn(others, id); });
+                 [&](AtspiId id) { return isAmong(others, id); });
     return both;
 }
 
@@ -57,13 +57,13 @@ std::vector<AtspiId> common(const std::vector<AtspiId>& ids, const std::vector<A
 class AtspiTree::Builder {
  public:
     explicit Builder(AtspiTree& tree) : tree_(tree) {
-        made_[0] = AtspiObject{.role = AtspiRole::application, .name = kApplicationName};
+        made_[0] = AtspiObject{.role = AtspiRole::application, .name = kOwnName};
     }
 
     void add(const Surface& surface) {
         AtspiObject frame{.role = AtspiRole::frame};
         const std::string* const heading = headingIn(surface.tree);
-        frame.name = surface.isButton ? kItemName : heading != nullptr ? *heading : kApplicationName;
+        frame.name = surface.isButton ? kItemName : heading != nullptr ? *heading : kOwnName;
         for (const AtspiState state :
              {AtspiState::enabled, AtspiState::sensitive, AtspiState::visible, AtspiState::showing})
             frame.states.set(state);
@@ -88,7 +88,7 @@ class AtspiTree::Builder {
     void addButton(AtspiId frame, const Surface& surface) {
         AccessibleNode button;
         button.role = AccessibleRole::button;
-        button.name = kApplicationName;
+        button.name = kOwnName;
         addTexts(surface.tree, button.value);
         button.actions = {"press"};
         button.frame = surface.tree.frame;
@@ -192,7 +192,7 @@ class Comparison {
                 tellOfChild(id, "remove", was, *child);
         }
         for (const AtspiId child : object.children) {
-            if (!isInOrder || !isIn(was, child)) tellOfChild(id, "add", object.children, child);
+            if (!isInOrder || !isAmong(was, child)) tellOfChild(id, "add", object.children, child);
         }
     }
 

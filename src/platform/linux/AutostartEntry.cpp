@@ -2,19 +2,14 @@
 
 #include <algorithm>
 
+#include "platform/linux/KernelText.h"
 #include "platform/Utf8.h"
 
 namespace norvane {
 namespace {
 
 constexpr std::string_view kHeading = "[Desktop Entry]";
-constexpr std::string_view kBlanks = " \t\r\v\f";
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+constexpr std::string_view kEntryBlanks = " \t\r\v\f";
 
 std::optional<bool> booleanOf(std::string_view value) {
     // Entries from before version 1.0 have digits.
@@ -113,7 +108,9 @@ std::string quoted(std::string_view program) {
 }
 
 std::string beginning() {
-    return std::string(kHeading) + "\nType=Application\nName=Norvane\n";
+    std::string text(kHeading);
+    text += "\nType=Application\nName=Norvane\n";
+    return text;
 }
 
 }  // namespace
@@ -126,7 +123,7 @@ AutostartEntry AutostartEntry::parse(std::string_view text) {
     bool isInside = false;
     while (!text.empty()) {
         const auto end = text.find('\n');
-        const std::string_view line = trimmed(text.substr(0, end));
+        const std::string_view line = trimmed(text.substr(0, end), kEntryBlanks);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         if (line.empty() || line.front() == '#') continue;
         if (line.front() == '[') {
@@ -135,8 +132,8 @@ AutostartEntry AutostartEntry::parse(std::string_view text) {
         }
         const auto equals = line.find('=');
         if (!isInside || equals == std::string_view::npos) continue;
-        const std::string_view key = trimmed(line.substr(0, equals));
-        const std::string_view value = trimmed(line.substr(equals + 1));
+        const std::string_view key = trimmed(line.substr(0, equals), kEntryBlanks);
+        const std::string_view value = trimmed(line.substr(equals + 1), kEntryBlanks);
         const auto boolean = booleanOf(value);
         if (key == "Type") {
             entry.isApplication = value == "Application";

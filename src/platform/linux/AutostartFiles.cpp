@@ -70,13 +70,13 @@ int makeFolders(const std::string& path) {
 }
 
 // Some file systems cannot, and say that the call makes no sense. 0, or an error number.
-int flush(int descriptor) {
+int flushed(int descriptor) {
     return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS ? 0 : errno;
 }
 
 int flushFolder(const std::string& folder) {
     const FileDescriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return directory ? flush(directory.get()) : errno;
+    return directory ? flushed(directory.get()) : errno;
 }
 
 // 0, or an error number.
@@ -87,7 +87,7 @@ int writeAndFlush(int descriptor, std::string_view text) {
         if (length < 0) return errno;
         text.remove_prefix(static_cast<std::size_t>(length));
     }
-    return flush(descriptor);
+    return flushed(descriptor);
 }
 
 }  // namespace

@@ -8,11 +8,11 @@
 namespace norvane {
 namespace {
 
-bool isAbsolute(std::string_view path) {
+bool isAbsolutePath(std::string_view path) {
     return path.substr(0, 1) == "/";
 }
 
-std::string_view textOf(const char* variable) {
+std::string_view textOfVariable(const char* variable) {
     return variable == nullptr ? std::string_view() : variable;
 }
 
@@ -29,7 +29,7 @@ std::vector<std::string> partsOf(std::string_view list) {
 
 std::vector<std::string> foldersOf(std::string_view list) {
     std::vector<std::string> folders = partsOf(list);
-    std::erase_if(folders, [](const std::string& folder) { return !isAbsolute(folder); });
+    std::erase_if(folders, [](const std::string& folder) { return !isAbsolutePath(folder); });
     return folders;
 }
 
@@ -37,15 +37,15 @@ std::vector<std::string> foldersOf(std::string_view list) {
 
 AutostartSurroundings AutostartSurroundings::from(const Variables& variables) {
     AutostartSurroundings surroundings;
-    if (isAbsolute(textOf(variables.xdgConfigHome))) {
+    if (isAbsolutePath(textOfVariable(variables.xdgConfigHome))) {
         surroundings.configHome = variables.xdgConfigHome;
-    } else if (isAbsolute(textOf(variables.home))) {
+    } else if (isAbsolutePath(textOfVariable(variables.home))) {
         surroundings.configHome = std::string(variables.home) + "/.config";
     }
-    const std::string_view configFolders = textOf(variables.xdgConfigDirs);
+    const std::string_view configFolders = textOfVariable(variables.xdgConfigDirs);
     surroundings.configFolders = foldersOf(configFolders.empty() ? "/etc/xdg" : configFolders);
-    surroundings.desktops = partsOf(textOf(variables.xdgCurrentDesktop));
-    surroundings.programFolders = foldersOf(textOf(variables.path));
+    surroundings.desktops = partsOf(textOfVariable(variables.xdgCurrentDesktop));
+    surroundings.programFolders = foldersOf(textOfVariable(variables.path));
     return surroundings;
 }
 

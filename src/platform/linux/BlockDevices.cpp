@@ -14,7 +14,7 @@ namespace norvane {
 namespace {
 
 // Mappings upon mappings; real ones end after three or four.
-constexpr int kDeepest = 16;
+constexpr int kDeepestHolder = 16;
 constexpr unsigned kMostMinors = (1u << 20) - 1;
 constexpr std::string_view kDevices = "/dev/";
 
@@ -137,7 +137,7 @@ std::optional<BlockDevices::Connection> BlockDevices::connection(const Device& d
 
 void BlockDevices::addDisks(const std::string& folder, int depth, std::unordered_set<std::string>& visited,
                             Connection& sum) {
-    if (depth > kDeepest || !visited.insert(folder).second) return;
+    if (depth > kDeepestHolder || !visited.insert(folder).second) return;
     const std::string disk = isPartition(root_, folder) ? directoryPart(folder) : folder;
 
     const std::string slaves = disk + "/slaves/";

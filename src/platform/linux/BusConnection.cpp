@@ -16,6 +16,7 @@
 #include "platform/linux/GObjectPointer.h"
 #include "platform/linux/GVariantPointer.h"
 #include "platform/linux/LinuxMonotonicClock.h"
+#include "platform/linux/WellKnownNames.h"
 #include "platform/Observers.h"
 
 namespace norvane {
@@ -33,30 +34,6 @@ std::string pathAddress(const std::string& socket) {
                                                             &g_free);
     return std::string("unix:path=") + escaped.get();
 }
-
-// Somebody who waits for an answer; without a function nobody does any more.
-struct Asker {
-    BusConnection::Answered answered;
-
-    void tell(GVariant* answer, const GError* error) {
-        if (const auto function = std::exchange(answered, nullptr)) function(answer, error);
-    }
-};
-
-struct WaitingCall {
-    BusConnection::Call call;
-    GVariantPointer parameters;
-    std::shared_ptr<Asker> asker;
-    std::optional<MonotonicInstant> deadline;
-    Cancellation limit;
-};
-
-struct Subscription {
-    BusConnection::Signal signal;
-    std::function<void(GVariant*)> received;
-    // 0 while there is no connection.
-    guint number = 0;
-};
 
 }  // namespace
 
@@ -82,6 +59,30 @@ class BusConnection::Link : public std::enable_shared_from_this<Link> {
     void emit(const char* path, const char* interface, const char* signal, GVariant* parameters);
 
  private:
+    // Somebody who waits for an answer; without a function nobody does any more.
+    struct Asker {
+        BusConnection::Answered answered;
+
+        void tell(GVariant* answer, const GError* error) {
+            if (const auto function = std::exchange(answered, nullptr)) function(answer, error);
+        }
+    };
+
+    struct WaitingCall {
+        BusConnection::Call call;
+        GVariantPointer parameters;
+        std::shared_ptr<Asker> asker;
+        std::optional<MonotonicInstant> deadline;
+        Cancellation limit;
+    };
+
+    struct Subscription {
+        BusConnection::Signal signal;
+        std::function<void(GVariant*)> received;
+        // 0 while there is no connection.
+        guint number = 0;
+    };
+
     static void connected(GObject*, GAsyncResult* result, gpointer weak);
     static void closed(GDBusConnection* connection, gboolean, GError*, gpointer weak);
     static void answered(GObject* connection, GAsyncResult* result, gpointer asker);
@@ -401,9 +402,9 @@ void BusConnection::emit(const char* path, const char* interface, const char* si
 }
 
 Cancellation BusConnection::onOwnerChange(const char* name, std::function<void(bool hasOwner)> changed) {
-    return onSignal({.sender = "org.freedesktop.DBus",
-                     .path = "/org/freedesktop/DBus",
-                     .interface = "org.freedesktop.DBus",
+    return onSignal({.sender = kBusDriver,
+                     .path = kBusDriverPath,
+                     .interface = kBusDriver,
                      .member = "NameOwnerChanged",
                      .firstArgument = name},
                     [changed = std::move(changed)](GVariant* parameters) {

@@ -3,11 +3,10 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/linux/WellKnownNames.h"
+
 namespace norvane {
 namespace {
-
-constexpr const char* kBus = "org.freedesktop.DBus";
-constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
 // What the bus is asked with, and answers, by the documentation of RequestName at freedesktop.org.
 constexpr std::uint32_t kDoNotQueue = 4;
@@ -31,9 +30,9 @@ BusName::BusName(BusConnection& bus, std::string name, std::function<void(bool)>
 BusName::~BusName() {
     if (bus_.state() != BusConnection::State::connected) return;
     // Also where the request is still on its way: the bus takes both in their order.
-    bus_.call({.name = kBus,
-               .path = kBusPath,
-               .interface = kBus,
+    bus_.call({.name = kBusDriver,
+               .path = kBusDriverPath,
+               .interface = kBusDriver,
                .method = "ReleaseName",
                .parameters = g_variant_new("(s)", name_.c_str())},
               nullptr)
@@ -41,9 +40,9 @@ BusName::~BusName() {
 }
 
 void BusName::request() {
-    request_ = bus_.call({.name = kBus,
-                          .path = kBusPath,
-                          .interface = kBus,
+    request_ = bus_.call({.name = kBusDriver,
+                          .path = kBusDriverPath,
+                          .interface = kBusDriver,
                           .method = "RequestName",
                           .parameters = g_variant_new("(su)", name_.c_str(), kDoNotQueue),
                           .answerType = G_VARIANT_TYPE("(u)")},

@@ -16,7 +16,7 @@ namespace {
 // More designs than any chip combines; a made-up file could name millions.
 constexpr std::size_t kMostParts = 16;
 
-constexpr std::array kKeys{
+constexpr std::array kInfoKeys{
     std::pair{std::string_view("model name"), &CPUInfo::modelName},
     std::pair{std::string_view("Model Name"), &CPUInfo::modelName},
     std::pair{std::string_view("cpu model"), &CPUInfo::cpuModel},
@@ -54,7 +54,7 @@ CPUInfo parseCPUInfo(std::string_view text) {
             const auto seen = std::find(info.armParts.begin(), info.armParts.end(), design);
             if (seen == info.armParts.end()) info.armParts.push_back(design);
         } else {
-            for (const auto& [name, member] : kKeys) {
+            for (const auto& [name, member] : kInfoKeys) {
                 if (key == name && (info.*member).empty()) info.*member = collapsed(value);
             }
         }

@@ -17,7 +17,7 @@ namespace {
 
 using Numbers = std::set<unsigned>;
 
-std::string folderOf(unsigned processor) {
+std::string topologyFolderOf(unsigned processor) {
     return "/sys/devices/system/cpu/cpu" + std::to_string(processor);
 }
 
@@ -54,7 +54,7 @@ Numbers efficientByFigure(const RootFolder& root, const Numbers& processors, con
     std::vector<std::pair<unsigned, std::uint64_t>> figures;
     std::uint64_t largest = 0;
     for (const unsigned processor : processors) {
-        const auto figure = readNumber(root, folderOf(processor) + file);
+        const auto figure = readNumber(root, topologyFolderOf(processor) + file);
         if (!figure || *figure <= 0) return {};
         figures.emplace_back(processor, static_cast<std::uint64_t>(*figure));
         largest = std::max(largest, figures.back().second);
@@ -90,7 +90,7 @@ std::int64_t countCores(const RootFolder& root, const Numbers& processors) {
     std::set<std::array<std::int64_t, 4>> cores;
     std::int64_t unknown = 0;
     for (const unsigned processor : processors) {
-        const std::string folder = folderOf(processor) + "/topology/";
+        const std::string folder = topologyFolderOf(processor) + "/topology/";
         const auto core = readNumber(root, folder + "core_id");
         if (!core) {
             ++unknown;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/KernelText.h"
 #include "platform/Utf8.h"
 
 namespace norvane {
@@ -16,16 +17,10 @@ namespace {
 
 constexpr std::string_view kGroup = "[defaults]";
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-constexpr std::string_view kBlank = " \t\r\n";
+constexpr std::string_view kFileBlanks = " \t\r\n";
 
 bool isUtf8(std::string_view text) {
     return g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
 // One line with its line end, and what it is.
@@ -39,8 +34,8 @@ struct Line {
 void readAssignment(std::string_view content, Line& line) {
     const auto equals = content.find('=');
     if (content.front() == '#' || content.front() == ';' || equals == std::string_view::npos) return;
-    line.key = trimmed(content.substr(0, equals));
-    line.value = trimmed(content.substr(equals + 1));
+    line.key = trimmed(content.substr(0, equals), kFileBlanks);
+    line.value = trimmed(content.substr(equals + 1), kFileBlanks);
 }
 
 // Goes through a text line by line.
@@ -57,7 +52,7 @@ class LineReader {
         if (std::exchange(isFirst_, false) && content.starts_with(kByteOrderMark)) {
             content.remove_prefix(kByteOrderMark.size());
         }
-        content = trimmed(content);
+        content = trimmed(content, kFileBlanks);
         if (content.starts_with('[')) {
             isInGroup_ = content == kGroup;
         } else if (isInGroup_ && !content.empty()) {
@@ -207,7 +202,7 @@ std::string assignment(std::string_view key, const DefaultsValue& value) {
 // Whether a line with this key is read back as one.
 bool canBeWritten(std::string_view key) {
     const auto isControl = [](char each) { return static_cast<unsigned char>(each) < 0x20; };
-    return !key.empty() && key == trimmed(key) && key.find_first_of("#;[") != 0 &&
+    return !key.empty() && key == trimmed(key, kFileBlanks) && key.find_first_of("#;[") != 0 &&
            key.find('=') == std::string_view::npos && std::none_of(key.begin(), key.end(), isControl) &&
            isUtf8(key);
 }
@@ -227,7 +222,7 @@ class Rewriting {
         while (const auto line = reader.next()) {
             if (!line->key.empty()) lastLineOf_[line->key] = lines_.size();
             lines_.push_back(*line);
-            if (line->isInGroup && !trimmed(line->text).empty()) endOfGroup_ = lines_.size();
+            if (line->isInGroup && !trimmed(line->text, kFileBlanks).empty()) endOfGroup_ = lines_.size();
         }
     }
 

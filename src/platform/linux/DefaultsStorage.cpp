@@ -27,7 +27,7 @@ constexpr std::string_view kTemporarySuffix = ".tmp";
 constexpr const char* kAsideSuffix = ".bad";
 
 // As many links in a row as the kernel follows.
-constexpr int kMostLinks = 40;
+constexpr int kMostLinksFollowed = 40;
 
 // Keeps other processes from writing a file of this directory while they ask the same way. It goes with the
 // process, however that ends. Some network file systems have no such locks: then it goes without.
@@ -205,7 +205,7 @@ std::optional<std::string> DefaultsStorage::apply(const DefaultsChanges& changes
 
 std::vector<std::string> DefaultsStorage::pathAndLinkTargets() const {
     std::vector<std::string> paths{path_};
-    for (int links = 0; links < kMostLinks; ++links) {
+    for (int links = 0; links < kMostLinksFollowed; ++links) {
         auto target = linkTarget(paths.back());
         if (!target) return paths;
         paths.push_back(std::move(*target));

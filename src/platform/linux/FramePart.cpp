@@ -19,7 +19,7 @@ namespace norvane {
 namespace {
 
 // What is nested deeper is left out.
-constexpr int kDeepest = 32;
+constexpr int kDeepestGroup = 32;
 // Points. What is blurred more is blurred so much.
 constexpr double kLargestBlur = 120;
 // Pixels. A larger list has no bitmap of its own and is painted each time.
@@ -244,7 +244,7 @@ void FramePart::operator()(const DrawPicture& picture) {
     const double scale = placement_.scale;
     const Point at{picture.at.x * scale, picture.at.y * scale};
     if (!picture.picture || !isFinite(at) || std::abs(at.x) > kFarthestPixel ||
-        std::abs(at.y) > kFarthestPixel || !(picture.opacity > 0) || depth_ >= kDeepest) {
+        std::abs(at.y) > kFarthestPixel || !(picture.opacity > 0) || depth_ >= kDeepestGroup) {
         return;
     }
     const PixelRect extent = pixelsCovering(Rect{{}, picture.picture->size}, scale);
@@ -285,7 +285,7 @@ void FramePart::paintBitmap(const DrawPicture& picture, Point at) {
 }
 
 void FramePart::operator()(const DrawGroup& group) {
-    if (!(group.opacity > 0) || depth_ >= kDeepest) return;
+    if (!(group.opacity > 0) || depth_ >= kDeepestGroup) return;
     PixelRect area = pixels_;
     bool isCut = false;
     if (group.clip) {

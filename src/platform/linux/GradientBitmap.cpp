@@ -22,7 +22,7 @@ std::uint32_t premultiplied(const Color& color) {
     return byteOf(alpha) << 24 | part(color.red) << 16 | part(color.green) << 8 | part(color.blue);
 }
 
-Color mixed(const Color& from, const Color& to, double share) {
+Color mixedColor(const Color& from, const Color& to, double share) {
     const auto mix = [share](double a, double b) { return a + (b - a) * share; };
     return {mix(from.red, to.red), mix(from.green, to.green), mix(from.blue, to.blue),
             mix(from.alpha, to.alpha)};
@@ -41,7 +41,7 @@ CairoSurface gradientBitmap(const Fill& fill, const PixelPlacement& placement, c
     for (int x = 0; x < pixels.width; ++x) {
         const double at = (pixels.x + x - placement.x + 0.5) / placement.scale;
         const double share = std::clamp((at - fill.start.x) / (fill.end.x - fill.start.x), 0.0, 1.0);
-        row[x] = premultiplied(mixed(ends.from, ends.to, share));
+        row[x] = premultiplied(mixedColor(ends.from, ends.to, share));
     }
     for (int y = 1; y < pixels.height; ++y)
         std::copy_n(bytes, std::ptrdiff_t{4} * pixels.width, bytes + stride * y);

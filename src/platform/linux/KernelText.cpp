@@ -14,10 +14,6 @@ constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
-constexpr bool isSurrounding(char byte) {
-    return isBlank(byte) || byte == '\r' || byte == '\n' || byte == '\0';
-}
-
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view word) {
     Number number{};
@@ -51,12 +47,10 @@ std::optional<std::uint64_t> takeNumber(std::string_view& line) {
     return number;
 }
 
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isSurrounding(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSurrounding(text.back()))
-        text.remove_suffix(1);
-    return text;
+std::string_view trimmed(std::string_view text, std::string_view ends) {
+    const auto first = text.find_first_not_of(ends);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(ends) - first + 1);
 }
 
 std::string collapsed(std::string_view text) {

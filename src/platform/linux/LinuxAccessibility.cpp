@@ -4,16 +4,16 @@
 #include <utility>
 
 #include "platform/linux/GVariantPointer.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
 namespace {
 
 constexpr const char* kBusName = "org.a11y.Bus";
-constexpr const char* kPath = "/org/a11y/bus";
-constexpr const char* kBus = "org.a11y.Bus";
+constexpr const char* kStatusPath = "/org/a11y/bus";
+constexpr const char* kBusInterface = "org.a11y.Bus";
 constexpr const char* kStatus = "org.a11y.Status";
 constexpr const char* kIsEnabled = "IsEnabled";
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 
 // Somebody waits for what we have to say.
 constexpr BusConnection::Pace kPace{.firstAttempt = std::chrono::nanoseconds(0)};
@@ -34,8 +34,8 @@ LinuxAccessibility::LinuxAccessibility(BusConnection& sessionBus, MainQueue& mai
         if (hasOwner) ask();
     });
     changes_ = sessionBus_.onSignal({.sender = kBusName,
-                                     .path = kPath,
-                                     .interface = kProperties,
+                                     .path = kStatusPath,
+                                     .interface = kPropertiesInterface,
                                      .member = "PropertiesChanged",
                                      .firstArgument = kStatus},
                                     [this](GVariant* parameters) { changed(parameters); });
@@ -49,8 +49,8 @@ LinuxAccessibility::LinuxAccessibility(BusConnection& sessionBus, MainQueue& mai
 
 void LinuxAccessibility::ask() {
     question_ = sessionBus_.call({.name = kBusName,
-                                  .path = kPath,
-                                  .interface = kProperties,
+                                  .path = kStatusPath,
+                                  .interface = kPropertiesInterface,
                                   .method = "Get",
                                   .parameters = g_variant_new("(ss)", kStatus, kIsEnabled),
                                   .answerType = G_VARIANT_TYPE("(v)"),
@@ -87,8 +87,8 @@ void LinuxAccessibility::know(bool isEnabled) {
 
 void LinuxAccessibility::askForBus() {
     addressQuestion_ = sessionBus_.call({.name = kBusName,
-                                         .path = kPath,
-                                         .interface = kBus,
+                                         .path = kStatusPath,
+                                         .interface = kBusInterface,
                                          .method = "GetAddress",
                                          .answerType = G_VARIANT_TYPE("(s)"),
                                          .flags = G_DBUS_CALL_FLAGS_NO_AUTO_START},

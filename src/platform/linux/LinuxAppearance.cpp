@@ -9,12 +9,11 @@
 #include <vector>
 
 #include "platform/linux/GVariantPointer.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
 namespace {
 
-constexpr const char* kPortalName = "org.freedesktop.portal.Desktop";
-constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kSettings = "org.freedesktop.portal.Settings";
 // Groups of settings: the one for all desktops, and those of two desktops.
 constexpr const char* kAppearance = "org.freedesktop.appearance";

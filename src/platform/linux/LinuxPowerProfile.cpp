@@ -6,6 +6,7 @@
 
 #include "platform/linux/FirmwareProfileFiles.h"
 #include "platform/linux/GVariantPointer.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
 namespace {
@@ -21,7 +22,6 @@ constexpr std::array<Service, 2> kServices{
     Service{"org.freedesktop.UPower.PowerProfiles", "/org/freedesktop/UPower/PowerProfiles"},
     Service{"net.hadess.PowerProfiles", "/net/hadess/PowerProfiles"}};
 
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kActiveProfile = "ActiveProfile";
 
 ProfileService serviceTelling(GVariant* value) {
@@ -70,7 +70,7 @@ LinuxPowerProfile::LinuxPowerProfile(MainQueue& mainQueue, BusConnection& system
         conversations_[service].properties =
             bus_.onSignal({.sender = name,
                            .path = path,
-                           .interface = kProperties,
+                           .interface = kPropertiesInterface,
                            .member = "PropertiesChanged",
                            .firstArgument = name},
                           [this, service](GVariant* parameters) { propertiesChanged(service, parameters); });
@@ -104,7 +104,7 @@ void LinuxPowerProfile::ask(std::size_t service) {
     conversations_[service].question =
         bus_.call({.name = name,
                    .path = path,
-                   .interface = kProperties,
+                   .interface = kPropertiesInterface,
                    .method = "Get",
                    .parameters = g_variant_new("(ss)", name, kActiveProfile),
                    .answerType = G_VARIANT_TYPE("(v)"),

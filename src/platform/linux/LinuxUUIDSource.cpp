@@ -19,7 +19,7 @@ std::uint64_t nanosecondsOf(clockid_t clock) {
 }
 
 // Spreads every bit over the word: the finalizer of SplitMix64.
-std::uint64_t mixed(std::uint64_t word) {
+std::uint64_t scrambled(std::uint64_t word) {
     word = (word ^ (word >> 30)) * 0xbf58476d1ce4e5b9;
     word = (word ^ (word >> 27)) * 0x94d049bb133111eb;
     return word ^ (word >> 31);
@@ -51,8 +51,8 @@ UUID LinuxUUIDSource::countedUUID() {
     const std::span<std::uint8_t> bytes = uuid.bytes;
     store(counted_.fetch_add(1, std::memory_order_relaxed), bytes.first(6));
     const auto process = static_cast<std::uint64_t>(getpid());
-    store(mixed(nanosecondsOf(CLOCK_REALTIME)), bytes.subspan(6, 5));
-    store(mixed(nanosecondsOf(CLOCK_MONOTONIC) ^ (process << 40)), bytes.subspan(11, 5));
+    store(scrambled(nanosecondsOf(CLOCK_REALTIME)), bytes.subspan(6, 5));
+    store(scrambled(nanosecondsOf(CLOCK_MONOTONIC) ^ (process << 40)), bytes.subspan(11, 5));
     return uuid;
 }
 

@@ -8,6 +8,7 @@
 
 #include "platform/linux/GVariantPointer.h"
 #include "platform/linux/NotificationText.h"
+#include "platform/linux/WellKnownNames.h"
 #include "platform/Utf8.h"
 
 namespace norvane {
@@ -15,8 +16,6 @@ namespace {
 
 constexpr const char* kServer = "org.freedesktop.Notifications";
 constexpr const char* kServerPath = "/org/freedesktop/Notifications";
-constexpr const char* kBus = "org.freedesktop.DBus";
-constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
 constexpr const char* kApplicationName = "Norvane";
 // The icon's name, and the desktop file's without its ending: by that a user finds us in the settings.
@@ -201,9 +200,9 @@ void LinuxUserNotificationCenter::Server::askForStatus(
     std::function<void(NotificationAuthorization)> completion) {
     const auto askForActivatable = [this, completion] {
         keep([&](auto done) {
-            return bus_.call({.name = kBus,
-                              .path = kBusPath,
-                              .interface = kBus,
+            return bus_.call({.name = kBusDriver,
+                              .path = kBusDriverPath,
+                              .interface = kBusDriver,
                               .method = "ListActivatableNames",
                               .answerType = G_VARIANT_TYPE("(as)"),
                               .limit = limits_.authorization},
@@ -216,9 +215,9 @@ void LinuxUserNotificationCenter::Server::askForStatus(
         });
     };
     keep([&](auto done) {
-        return bus_.call({.name = kBus,
-                          .path = kBusPath,
-                          .interface = kBus,
+        return bus_.call({.name = kBusDriver,
+                          .path = kBusDriverPath,
+                          .interface = kBusDriver,
                           .method = "NameHasOwner",
                           .parameters = g_variant_new("(s)", kServer),
                           .answerType = G_VARIANT_TYPE("(b)"),

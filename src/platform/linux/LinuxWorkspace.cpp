@@ -9,13 +9,12 @@
 #include <utility>
 
 #include "platform/linux/GObjectPointer.h"
+#include "platform/linux/WellKnownNames.h"
 #include "platform/Utf8.h"
 
 namespace norvane {
 namespace {
 
-constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
-constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kOpenURI = "org.freedesktop.portal.OpenURI";
 
 constexpr std::array<std::string_view, 3> kSchemes{"https", "http", "mailto"};
@@ -107,7 +106,7 @@ void LinuxWorkspace::openURL(const std::string& url) {
     g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
     constexpr const char* kNoWindow = "";
     const std::uint64_t number = callCount_++;
-    auto call = bus_.call({.name = kPortal,
+    auto call = bus_.call({.name = kPortalName,
                            .path = kPortalPath,
                            .interface = kOpenURI,
                            .method = "OpenURI",

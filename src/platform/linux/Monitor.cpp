@@ -12,7 +12,7 @@ std::int64_t areaOf(const PixelRect& r) {
 }
 
 // Pixels from the rectangle to the place, squared.
-std::int64_t distance(const PixelRect& r, int x, int y) {
+std::int64_t distanceFrom(const PixelRect& r, int x, int y) {
     const auto beyond = [](int at, int from, int length) -> std::int64_t {
         return std::max({from - at, at - (from + length - 1), 0});
     };
@@ -25,7 +25,7 @@ std::int64_t distance(const PixelRect& r, int x, int y) {
 
 const Monitor* monitorAt(std::span<const Monitor> monitors, int x, int y) {
     const auto order = [&](const Monitor& monitor) {
-        return std::tuple(distance(monitor.frame, x, y), areaOf(monitor.frame));
+        return std::tuple(distanceFrom(monitor.frame, x, y), areaOf(monitor.frame));
     };
     const auto best =
         std::min_element(monitors.begin(), monitors.end(),

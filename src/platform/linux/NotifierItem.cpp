@@ -12,7 +12,6 @@
 namespace norvane {
 namespace {
 
-constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 constexpr const char* kItem = "org.kde.StatusNotifierItem";
 constexpr const char* kItemPath = "/StatusNotifierItem";
 
@@ -101,7 +100,7 @@ void NotifierItem::registerAtWatcher() {
     if (!name_.isOwned()) return;
     toldToolTip_ = toolTip_;  // a panel that meets the item reads all of it
     registration_ = bus_.call({.name = NotifierWatch::kWatcher,
-                               .path = kWatcherPath,
+                               .path = NotifierWatch::kWatcherPath,
                                .interface = NotifierWatch::kWatcher,
                                .method = "RegisterStatusNotifierItem",
                                .parameters = g_variant_new("(s)", name_.text().c_str()),

@@ -55,7 +55,7 @@ constexpr const char* kMenuInterface = R"(<node><interface name='com.canonical.d
 // Other events tell of the menu coming and going.
 constexpr std::string_view kClicked = "clicked";
 
-constexpr std::array kNames{"children-display", "label", "enabled", "visible"};
+constexpr std::array kItemProperties{"children-display", "label", "enabled", "visible"};
 
 GVariant* read(std::string_view property) {
     if (property == "Version") return g_variant_new_uint32(3);
@@ -158,7 +158,7 @@ GVariant* NotifierMenu::node(std::int32_t id, std::int32_t depth, GVariant* name
 GVariant* NotifierMenu::properties(std::int32_t id, GVariant* names) const {
     GVariantBuilder found;
     g_variant_builder_init(&found, G_VARIANT_TYPE_VARDICT);
-    for (const char* const name : kNames) {
+    for (const char* const name : kItemProperties) {
         GVariant* const value = includes(names, name) ? valueOf(id, name) : nullptr;
         if (value != nullptr) g_variant_builder_add(&found, "{sv}", name, value);
     }

@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "platform/linux/GVariantPointer.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
 namespace {
 
 // Also its interface.
-constexpr const char* kPath = "/StatusNotifierWatcher";
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr const char* kIsHostRegistered = "IsStatusNotifierHostRegistered";
 
 }  // namespace
@@ -24,18 +23,20 @@ NotifierWatch::NotifierWatch(BusConnection& sessionBus, std::chrono::millisecond
             know(State::absent);
         }
     });
-    registered_ = bus_.onSignal(
-        {.sender = kWatcher, .path = kPath, .interface = kWatcher, .member = "StatusNotifierHostRegistered"},
-        [this](GVariant*) { know(State::present); });
+    registered_ = bus_.onSignal({.sender = kWatcher,
+                                 .path = kWatcherPath,
+                                 .interface = kWatcher,
+                                 .member = "StatusNotifierHostRegistered"},
+                                [this](GVariant*) { know(State::present); });
     // There may be a further one.
     unregistered_ = bus_.onSignal({.sender = kWatcher,
-                                   .path = kPath,
+                                   .path = kWatcherPath,
                                    .interface = kWatcher,
                                    .member = "StatusNotifierHostUnregistered"},
                                   [this](GVariant*) { ask(limit_); });
     properties_ = bus_.onSignal({.sender = kWatcher,
-                                 .path = kPath,
-                                 .interface = kProperties,
+                                 .path = kWatcherPath,
+                                 .interface = kPropertiesInterface,
                                  .member = "PropertiesChanged",
                                  .firstArgument = kWatcher},
                                 [this](GVariant* parameters) { propertiesChanged(parameters); });
@@ -59,8 +60,8 @@ void NotifierWatch::begin() {
 // Nobody is started for this: a watcher without a panel is of no use.
 void NotifierWatch::ask(Limit limit) {
     question_ = bus_.call({.name = kWatcher,
-                           .path = kPath,
-                           .interface = kProperties,
+                           .path = kWatcherPath,
+                           .interface = kPropertiesInterface,
                            .method = "Get",
                            .parameters = g_variant_new("(ss)", kWatcher, kIsHostRegistered),
                            .answerType = G_VARIANT_TYPE("(v)"),

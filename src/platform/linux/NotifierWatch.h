@@ -21,8 +21,9 @@ class NotifierWatch {
         present,
     };
 
-    // The name of the watcher, and of its interface.
+    // The name of the watcher and of its interface, and where it is.
     static constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
+    static constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
     // What a watcher has to answer: somebody waits for the status item meanwhile.
     static constexpr std::chrono::milliseconds kLimit = std::chrono::seconds(2);
 

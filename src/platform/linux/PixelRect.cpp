@@ -6,13 +6,13 @@
 namespace norvane {
 namespace {
 
-constexpr double kFarthest = 32767;
+constexpr double kFarthestPixelOfAScreen = 32767;
 // A pixel is not touched by less than this part of it.
 constexpr double kRoundingError = 1e-6;
 
-int bounded(double pixels) {
+int boundedPixel(double pixels) {
     if (std::isnan(pixels)) return 0;
-    return static_cast<int>(std::clamp(pixels, -kFarthest, kFarthest));
+    return static_cast<int>(std::clamp(pixels, -kFarthestPixelOfAScreen, kFarthestPixelOfAScreen));
 }
 
 }  // namespace
@@ -38,19 +38,19 @@ Rect PixelRect::inPoints(double scale) const {
 }
 
 int pixelsAt(double points, double scale) {
-    return bounded(std::round(points * scale));
+    return boundedPixel(std::round(points * scale));
 }
 
 int pixelsCovering(double points, double scale) {
-    return bounded(std::ceil(points * scale - kRoundingError));
+    return boundedPixel(std::ceil(points * scale - kRoundingError));
 }
 
 PixelRect pixelsCovering(const Rect& rect, double scale) {
     if (rect.isEmpty() || std::isnan(rect.minX()) || std::isnan(rect.minY())) return {};
-    const int left = bounded(std::floor(rect.minX() * scale + kRoundingError));
-    const int top = bounded(std::floor(rect.minY() * scale + kRoundingError));
-    const int right = bounded(std::ceil(rect.maxX() * scale - kRoundingError));
-    const int bottom = bounded(std::ceil(rect.maxY() * scale - kRoundingError));
+    const int left = boundedPixel(std::floor(rect.minX() * scale + kRoundingError));
+    const int top = boundedPixel(std::floor(rect.minY() * scale + kRoundingError));
+    const int right = boundedPixel(std::ceil(rect.maxX() * scale - kRoundingError));
+    const int bottom = boundedPixel(std::ceil(rect.maxY() * scale - kRoundingError));
     return {left, top, right - left, bottom - top};
 }
 

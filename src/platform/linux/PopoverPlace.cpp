@@ -11,14 +11,14 @@ namespace {
 // Kept free at the far end of the screen.
 constexpr double kMargin = 8;
 // Farther than any screen, and near enough to be calculated with.
-constexpr double kFarthest = 1e6;
+constexpr double kFarthestPoint = 1e6;
 
 double plain(double coordinate) {
-    return std::isfinite(coordinate) ? std::clamp(coordinate, -kFarthest, kFarthest) : 0;
+    return std::isfinite(coordinate) ? std::clamp(coordinate, -kFarthestPoint, kFarthestPoint) : 0;
 }
 
 // The lower end wins where both cannot be kept.
-double within(double at, double length, double from, double to) {
+double movedWithin(double at, double length, double from, double to) {
     return std::max(from, std::min(at, to - length));
 }
 
@@ -35,7 +35,7 @@ double PopoverPlace::edge() const {
 }
 
 Size PopoverPlace::most() const {
-    if (!free_) return {kFarthest, kFarthest};
+    if (!free_) return {kFarthestPoint, kFarthestPoint};
     const double room = hangsUp_ ? edge() - free_->minY() : free_->maxY() - edge();
     return {free_->size.width, std::max(room - kMargin, 0.0)};
 }
@@ -54,11 +54,11 @@ Rect PopoverPlace::frame(Size size) const {
 
 void PopoverPlace::follow(const Rect& monitor, const Rect& free, double width) {
     const double left = left_;
-    *this = PopoverPlace({{within(anchor_.minX(), anchor_.size.width, monitor.minX(), monitor.maxX()),
-                           within(anchor_.minY(), anchor_.size.height, monitor.minY(), monitor.maxY())},
+    *this = PopoverPlace({{movedWithin(anchor_.minX(), anchor_.size.width, monitor.minX(), monitor.maxX()),
+                           movedWithin(anchor_.minY(), anchor_.size.height, monitor.minY(), monitor.maxY())},
                           anchor_.size},
                          free);
-    left_ = within(left, width, free.minX(), free.maxX());
+    left_ = movedWithin(left, width, free.minX(), free.maxX());
 }
 
 }  // namespace norvane

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/GVariantPointer.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
 namespace {
@@ -29,7 +30,6 @@ constexpr const char* kLoginPath = "/org/freedesktop/login1";
 constexpr const char* kManager = "org.freedesktop.login1.Manager";
 constexpr const char* kSession = "org.freedesktop.login1.Session";
 constexpr const char* kLockedHint = "LockedHint";
-constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 
 // False for whatever is no boolean.
 bool isTrue(GVariant* value) {
@@ -153,7 +153,7 @@ void SessionLock::follow(std::string path) {
     session_ = std::move(path);
     properties_ = systemBus_.onSignal({.sender = kLogin,
                                        .path = session_.c_str(),
-                                       .interface = kProperties,
+                                       .interface = kPropertiesInterface,
                                        .member = "PropertiesChanged",
                                        .firstArgument = kSession},
                                       [this](GVariant* parameters) { hintChanged(parameters); });
@@ -163,7 +163,7 @@ void SessionLock::follow(std::string path) {
 void SessionLock::askHint() {
     question_ = systemBus_.call({.name = kLogin,
                                  .path = session_.c_str(),
-                                 .interface = kProperties,
+                                 .interface = kPropertiesInterface,
                                  .method = "Get",
                                  .parameters = g_variant_new("(ss)", kSession, kLockedHint),
                                  .answerType = G_VARIANT_TYPE("(v)"),

@@ -13,7 +13,7 @@ namespace norvane {
 namespace {
 
 // Pixels. A larger text is not worth keeping.
-constexpr std::int64_t kLargestMask = 512 * 1024;
+constexpr std::int64_t kLargestTextMask = 512 * 1024;
 // A text is put on the grid to this part of a pixel.
 constexpr double kPhases = 4;
 constexpr double kSmallest = 0.01;
@@ -116,7 +116,7 @@ void paintText(cairo_t* context, const DrawText& text, double scale, TextLayouts
     const TextMask* mask = layouts.mask(grid);
     if (mask == nullptr) {
         const PixelRect ink = inkOf(layout, grid);
-        if (std::int64_t{ink.width} * ink.height > kLargestMask) {
+        if (std::int64_t{ink.width} * ink.height > kLargestTextMask) {
             fillOutlines(context, layout, grid);
             return;
         }

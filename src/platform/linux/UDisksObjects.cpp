@@ -10,7 +10,7 @@ namespace norvane {
 namespace {
 
 // Encryption within encryption; a real one is alone.
-constexpr std::size_t kDeepest = 16;
+constexpr std::size_t kMostParents = 16;
 
 // An object's interface with its properties, by their names.
 GVariantPointer propertiesOf(GVariant* interfaces, const char* interface) {
@@ -29,12 +29,12 @@ std::string textIn(GVariant* properties, const char* name) {
     return value ? g_variant_get_string(value.get(), nullptr) : std::string();
 }
 
-bool isSet(GVariant* properties, const char* name) {
+bool isTrue(GVariant* properties, const char* name) {
     const GVariantPointer value(g_variant_lookup_value(properties, name, G_VARIANT_TYPE_BOOLEAN));
     return value && g_variant_get_boolean(value.get()) != FALSE;
 }
 
-DeviceNumber numberIn(GVariant* properties, const char* name) {
+DeviceNumber deviceNumberIn(GVariant* properties, const char* name) {
     const GVariantPointer value(g_variant_lookup_value(properties, name, G_VARIANT_TYPE_UINT64));
     const guint64 number = value ? g_variant_get_uint64(value.get()) : 0;
     return {gnu_dev_major(number), gnu_dev_minor(number)};
@@ -49,14 +49,14 @@ UDisksObjects::UDisksObjects(GVariant* objects) {
         const GVariantPointer interfaces(g_variant_get_child_value(entry.get(), 1));
         const std::string name = g_variant_get_string(path.get(), nullptr);
         if (const auto properties = propertiesOf(interfaces.get(), kDrive)) {
-            drives_[name] = {.isEjectable = isSet(properties.get(), "Ejectable"),
-                             .isRemovable = isSet(properties.get(), "Removable"),
-                             .canPowerOff = isSet(properties.get(), "CanPowerOff"),
+            drives_[name] = {.isEjectable = isTrue(properties.get(), "Ejectable"),
+                             .isRemovable = isTrue(properties.get(), "Removable"),
+                             .canPowerOff = isTrue(properties.get(), "CanPowerOff"),
                              .sibling = textIn(properties.get(), "SiblingId")};
         }
         if (const auto properties = propertiesOf(interfaces.get(), kBlock)) {
             const auto partition = propertiesOf(interfaces.get(), kPartition);
-            blocks_[name] = {.device = numberIn(properties.get(), "DeviceNumber"),
+            blocks_[name] = {.device = deviceNumberIn(properties.get(), "DeviceNumber"),
                              .drive = pathIn(properties.get(), "Drive"),
                              .encrypted = pathIn(properties.get(), "CryptoBackingDevice"),
                              .partitioned = partition ? pathIn(partition.get(), "Table") : std::string(),
@@ -94,7 +94,7 @@ UDisksObjects::Ground UDisksObjects::groundOf(const std::string& path) const {
         // A service that is out of its mind may lead in a circle, or without an end.
         const auto& passed = ground.encrypted;
         if (at.empty() || at == path || std::find(passed.begin(), passed.end(), at) != passed.end()) break;
-        if (passed.size() == kDeepest) break;
+        if (passed.size() == kMostParents) break;
         ground.encrypted.push_back(at);
     }
     return ground;

@@ -15,7 +15,7 @@ constexpr const char* kService = "org.freedesktop.UDisks2";
 constexpr const char* kManagerPath = "/org/freedesktop/UDisks2";
 
 // Without the error's name on the bus, which GLib puts before it.
-std::string textOf(const GError* error) {
+std::string messageOf(const GError* error) {
     const GErrorPointer own(g_error_copy(error));
     g_dbus_error_strip_remote_error(own.get());
     return own->message;
@@ -69,7 +69,7 @@ void VolumeEjection::askForObjects(const DeviceNumber& device) {
                        .method = "GetManagedObjects",
                        .answerType = G_VARIANT_TYPE("(a{oa{sa{sv}}})")},
                       [this, device](GVariant* answer, const GError* error) {
-                          if (answer == nullptr) return end(textOf(error));
+                          if (answer == nullptr) return end(messageOf(error));
                           const GVariantPointer objects(g_variant_get_child_value(answer, 0));
                           objects_ = UDisksObjects(objects.get());
                           const auto path = objects_.fileSystemOn(device);
@@ -81,7 +81,7 @@ void VolumeEjection::askForObjects(const DeviceNumber& device) {
 
 void VolumeEjection::unmount() {
     call(unmount_, [this](GVariant* answer, const GError* error) {
-        if (answer == nullptr) return end(textOf(error));
+        if (answer == nullptr) return end(messageOf(error));
         letGo();
     });
 }

@@ -27,7 +27,7 @@ constexpr double kNotch = 40;
 constexpr double kSwing = 24;
 
 // No window is farther away: coordinates of the protocol have 16 bits.
-constexpr int kFarthest = 32000;
+constexpr int kFarthestCoordinate = 32000;
 
 double plainLength(double points) {
     return std::isfinite(points) && points > 0 ? points : 0;
@@ -175,8 +175,8 @@ int X11PopoverWindow::margin() const {
 
 PixelRect X11PopoverWindow::frameOf(Extent extent) const {
     const double scale = desk_.screen.scale();
-    const int edge = std::clamp(pixelsAt(place_.edge(), scale), -kFarthest, kFarthest);
-    return {std::clamp(pixelsAt(place_.left(), scale), -kFarthest, kFarthest),
+    const int edge = std::clamp(pixelsAt(place_.edge(), scale), -kFarthestCoordinate, kFarthestCoordinate);
+    return {std::clamp(pixelsAt(place_.left(), scale), -kFarthestCoordinate, kFarthestCoordinate),
             place_.hangsUp() ? edge - extent.height : edge, extent.width, extent.height};
 }
 

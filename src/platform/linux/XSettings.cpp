@@ -59,7 +59,7 @@ class Fields {
 };
 
 // The settings that we know, as far as they are there.
-struct Known {
+struct KnownSettings {
     std::optional<std::uint32_t> enableAnimations;
     std::optional<std::uint32_t> preferDarkTheme;
     std::optional<std::string_view> netTheme;
@@ -76,7 +76,7 @@ struct Known {
 };
 
 // False where there is none of a known type.
-bool takeSetting(Fields& fields, Known& known) {
+bool takeSetting(Fields& fields, KnownSettings& known) {
     const std::uint32_t type = fields.number(1);
     fields.take(1);
     const std::string_view name = fields.text(fields.number(2));
@@ -106,7 +106,7 @@ XSettings parseXSettings(std::string_view bytes) {
     fields.setBigEndian(order == kBigEndian);
     fields.take(3);
     fields.take(4);  // when any of them last changed
-    Known known;
+    KnownSettings known;
     // However many there are said to be: the bytes come to an end.
     for (std::uint32_t left = fields.number(4); left > 0; --left) {
         if (!takeSetting(fields, known)) return {};

@@ -5,24 +5,21 @@
 #include <cmath>
 #include <optional>
 
+#include "platform/linux/KernelText.h"
+
 namespace norvane {
 namespace {
 
 constexpr std::string_view kResource = "Xft.dpi";
-constexpr std::string_view kBlank = " \t\r";
+constexpr std::string_view kResourceBlanks = " \t\r";
 constexpr double kPlainDpi = 96;
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
 
 // The line's value, if it is a line about the wanted resource.
 std::optional<std::string_view> valueIn(std::string_view line) {
     const auto colon = line.find(':');
-    if (colon == std::string_view::npos || trimmed(line.substr(0, colon)) != kResource) return std::nullopt;
-    return trimmed(line.substr(colon + 1));
+    if (colon == std::string_view::npos || trimmed(line.substr(0, colon), kResourceBlanks) != kResource)
+        return std::nullopt;
+    return trimmed(line.substr(colon + 1), kResourceBlanks);
 }
 
 double scaleOf(std::string_view value) {
