@@ -112,7 +112,7 @@ Palette HostedView::palette() const {
 }
 
 Update HostedView::updateBy(const std::optional<Animation>& animation) {
-    return {*this, palette(), now(), isOnScreen_ && !isAppearDue_, animation};
+    return {*this, ruler_, palette(), now(), isOnScreen_ && !isAppearDue_, animation};
 }
 
 void HostedView::flush() {

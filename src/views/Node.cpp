@@ -95,6 +95,8 @@ void Node::update(Node* before, Update& update) {
         frame_ = before->frame_;
         place_ = before->place_;
         isPlaced_ = before->isPlaced_;
+        // Right as long as nothing says that layout changes; then they are forgotten, all over the tree.
+        sizes_ = std::move(before->sizes_);
     } else {
         update.layoutChanged();
     }

@@ -29,16 +29,19 @@ class TextNode final : public Node {
         // width, so it is never set like that for an answer.
         const double least = std::min(kLeastWidth * style_.font.size, natural_->width);
         if (*proposal.width == 0) return {least, natural_->height};
+        isBroken_ = true;
         return ruler.measure(text_, style_, *proposal.width).size;
     }
     void take(Node* before, Update& update) override {
         color_.jumpTo(update.palette.color(paint_));
         if (before == nullptr) return;
         const auto& last = *static_cast<const TextNode*>(before);
-        if (last.text_ != text_ || !(last.style_ == style_)) {
-            update.layoutChanged();
-        } else {
+        const bool isSame = last.text_ == text_ && last.style_ == style_;
+        if (isSame || takesTheRoomOf(last, update.ruler)) {
             natural_ = last.natural_;
+            isBroken_ = last.isBroken_;
+        } else {
+            update.layoutChanged();
         }
         update.carry(color_, last.color_);
     }
@@ -48,10 +51,17 @@ class TextNode final : public Node {
     }
 
  private:
+    // Figures change every second and mostly keep their widths: nothing around them moves then.
+    bool takesTheRoomOf(const TextNode& last, TextRuler& ruler) const {
+        if (!last.natural_ || last.isBroken_ || !(last.style_ == style_)) return false;
+        return ruler.measure(text_, style_, TextRuler::kUnlimitedWidth).size == *last.natural_;
+    }
+
     std::string text_;
     TextStyle style_;
     Paint paint_;
     mutable std::optional<Size> natural_;  // on as few lines as it has
+    mutable bool isBroken_ = false;        // has been set in less room than that
     Animated<Color> color_;
 };
 

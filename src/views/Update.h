@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "drawing/TextRuler.h"
 #include "platform/MonotonicInstant.h"
 #include "views/Animated.h"
 #include "views/Palette.h"
@@ -15,11 +16,17 @@ namespace norvane {
 // One evaluation of a tree, or of a part of it, as the nodes that take the place of others see it.
 class Update {
  public:
-    Update(ViewHost& viewHost, const Palette& tones, MonotonicInstant at, bool onScreen,
+    Update(ViewHost& viewHost, TextRuler& textRuler, const Palette& tones, MonotonicInstant at, bool onScreen,
            std::optional<Animation> movement)
-        : host(viewHost), palette(tones), now(at), isOnScreen(onScreen), animation(std::move(movement)) {}
+        : host(viewHost),
+          ruler(textRuler),
+          palette(tones),
+          now(at),
+          isOnScreen(onScreen),
+          animation(std::move(movement)) {}
 
     ViewHost& host;
+    TextRuler& ruler;
     const Palette palette;
     const MonotonicInstant now;
     // What is new in the tree appears at once. Otherwise the whole tree will, when it is shown.
