@@ -29,7 +29,7 @@ std::string textIn(GVariant* properties, const char* name) {
     return value ? g_variant_get_string(value.get(), nullptr) : std::string();
 }
 
-bool isTrue(GVariant* properties, const char* name) {
+bool isPropertySet(GVariant* properties, const char* name) {
     const GVariantPointer value(g_variant_lookup_value(properties, name, G_VARIANT_TYPE_BOOLEAN));
     return value && g_variant_get_boolean(value.get()) != FALSE;
 }
@@ -49,9 +49,9 @@ UDisksObjects::UDisksObjects(GVariant* objects) {
         const GVariantPointer interfaces(g_variant_get_child_value(entry.get(), 1));
         const std::string name = g_variant_get_string(path.get(), nullptr);
         if (const auto properties = propertiesOf(interfaces.get(), kDrive)) {
-            drives_[name] = {.isEjectable = isTrue(properties.get(), "Ejectable"),
-                             .isRemovable = isTrue(properties.get(), "Removable"),
-                             .canPowerOff = isTrue(properties.get(), "CanPowerOff"),
+            drives_[name] = {.isEjectable = isPropertySet(properties.get(), "Ejectable"),
+                             .isRemovable = isPropertySet(properties.get(), "Removable"),
+                             .canPowerOff = isPropertySet(properties.get(), "CanPowerOff"),
                              .sibling = textIn(properties.get(), "SiblingId")};
         }
         if (const auto properties = propertiesOf(interfaces.get(), kBlock)) {
