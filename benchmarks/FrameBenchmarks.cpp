@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -26,12 +25,12 @@ constexpr std::array kScales{1, 2};
 
 struct Bound {
     const char* name;
-    double milliseconds;
+    double microseconds;
 };
 constexpr std::array kBounds{
-    Bound{"frame: change, layout and list", 0.3}, Bound{"frame: seven things breathe, x1", 0.3},
-    Bound{"frame: seven things breathe, x2", 1},  Bound{"frame: painting all, x1", 6},
-    Bound{"frame: painting all, x2", 15},
+    Bound{"frame: change, layout and list", 300},   Bound{"frame: seven things breathe, x1", 300},
+    Bound{"frame: seven things breathe, x2", 1000}, Bound{"frame: painting all, x1", 6000},
+    Bound{"frame: painting all, x2", 15000},
 };
 
 std::string atScale(const std::string& name, int scale) {
@@ -155,24 +154,16 @@ void registerFrameBenchmarks() {
     }
 }
 
-bool judgeFrameBenchmarks(const MedianReporter& figures) {
-    bool areWithin = true;
-    for (const int scale : kScales) {
-        const auto copy = figures.medianTime(atScale("frame: copying all", scale));
-        if (copy) std::printf("a copy of all pixels, x%d: %.3f ms\n", scale, *copy / 1e6);
-    }
+void addFrameFigures(const SampleReporter& samples, FigureTable& table) {
     for (const Bound& bound : kBounds) {
-        const auto time = figures.medianTime(bound.name);
-        const bool isWithin = time && *time <= bound.milliseconds * 1e6;
-        areWithin &= isWithin;
-        if (!time) {
-            std::printf("%-34s not measured\n", bound.name);
-            continue;
-        }
-        std::printf("%-34s %.3f ms, bound %.1f ms: %s\n", bound.name, *time / 1e6, bound.milliseconds,
-                    isWithin ? "ok" : "OVER");
+        const std::string name = bound.name;
+        const std::string copy = atScale("frame: copying all", name.ends_with("x2") ? 2 : 1);
+        table.add({.what = name,
+                   .samples = samples.times(name),
+                   .unit = "us",
+                   .beside = FigureTable::Beside{"copying all pixels", samples.times(copy)},
+                   .bound = bound.microseconds});
     }
-    return areWithin;
 }
 
 }  // namespace norvane

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "MedianReporter.h"
+#include "FigureTable.h"
+#include "SampleReporter.h"
 
 namespace norvane {
 
-// Registers what the frames of a screen of the dashboard's size cost, from a change to pixels, beside a mere
-// copy of as many pixels.
+// What the view layer and the painter cost on a screen of the dashboard's kind, beside copying all of its
+// pixels.
 void registerFrameBenchmarks();
-
-// Whether all of them keep their bounds; says so.
-bool judgeFrameBenchmarks(const MedianReporter& figures);
+void addFrameFigures(const SampleReporter& samples, FigureTable& table);
 
 }  // namespace norvane

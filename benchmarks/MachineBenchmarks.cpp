@@ -3,10 +3,10 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "EveryByte.h"
@@ -176,38 +176,28 @@ void addGrowth(const Growth& growth, const std::function<std::unique_ptr<MadeSer
 }
 
 // What takes a text apart beside what only looks at it.
-bool judgeScan(const MedianReporter& figures, const std::string& name, const char* what) {
-    const auto parse = figures.medianTime(name + ": " + what);
-    const auto scan = figures.medianTime(name + ": scan");
-    if (!parse || !scan || *scan <= 0) {
-        std::printf("%-16s not measured\n", name.c_str());
-        return false;
-    }
-    const double ratio = *parse / *scan;
-    const bool isWithin = ratio <= kMostTimesTheScan;
-    std::printf("%-18s %s %.2f us, every byte scanned %.2f us, ratio %.2f, bound %.2f: %s\n", name.c_str(),
-                what, *parse / 1000, *scan / 1000, ratio, kMostTimesTheScan, isWithin ? "ok" : "OVER");
-    return isWithin;
+void addScanFigure(const SampleReporter& samples, const std::string& name, const char* what,
+                   FigureTable& table) {
+    table.add({.what = name + ", " + what,
+               .samples = samples.times(name + ": " + what),
+               .unit = "us",
+               .beside = FigureTable::Beside{"scanning every byte", samples.times(name + ": scan")},
+               .ratioBound = kMostTimesTheScan});
 }
 
-bool judgeGrowth(const MedianReporter& figures, const Growth& growth) {
-    bool areWithin = true;
-    for (std::size_t i = 1; i < growth.sizes.size(); ++i) {
-        const auto less = figures.medianTime(nameOf(growth, growth.sizes[i - 1]));
-        const auto more = figures.medianTime(nameOf(growth, growth.sizes[i]));
-        if (!less || !more || *less <= 0) {
-            std::printf("%-16s not measured\n", growth.what);
-            return false;
+void addGrowthFigures(const SampleReporter& samples, const Growth& growth, FigureTable& table) {
+    for (std::size_t i = 0; i < growth.sizes.size(); ++i) {
+        FigureTable::Row row{.what = nameOf(growth, growth.sizes[i]),
+                             .samples = samples.times(nameOf(growth, growth.sizes[i])),
+                             .unit = "us"};
+        if (i > 0) {
+            const int less = growth.sizes[i - 1];
+            const double doublings = std::log2(static_cast<double>(growth.sizes[i]) / less);
+            row.beside = FigureTable::Beside{std::to_string(less), samples.times(nameOf(growth, less))};
+            row.ratioBound = std::pow(kMostForTwice, doublings);
         }
-        const double doublings = std::log2(static_cast<double>(growth.sizes[i]) / growth.sizes[i - 1]);
-        const double forTwice = std::pow(*more / *less, 1 / doublings);
-        const bool isWithin = forTwice <= kMostForTwice;
-        areWithin &= isWithin;
-        std::printf("%-16s %d to %d: %.1f to %.1f us, %.2f for twice, bound %.2f: %s\n", growth.what,
-                    growth.sizes[i - 1], growth.sizes[i], *less / 1000, *more / 1000, forTwice, kMostForTwice,
-                    isWithin ? "ok" : "OVER");
+        table.add(std::move(row));
     }
-    return areWithin;
 }
 
 }  // namespace
@@ -242,15 +232,13 @@ void registerMachineBenchmarks() {
         });
 }
 
-bool judgeMachineBenchmarks(const MedianReporter& figures) {
-    bool areWithin = true;
+void addMachineFigures(const SampleReporter& samples, FigureTable& table) {
     for (const char* machine : kMachines)
-        areWithin &= judgeScan(figures, machine, "full tick");
+        addScanFigure(samples, machine, "full tick", table);
     for (const Parser& parser : parsers())
-        areWithin &= judgeScan(figures, std::string("text of ") + parser.name, "parse");
+        addScanFigure(samples, std::string("text of ") + parser.name, "parse", table);
     for (const Growth* growth : {&kProcessors, &kDrives, &kMounts})
-        areWithin &= judgeGrowth(figures, *growth);
-    return areWithin;
+        addGrowthFigures(samples, *growth, table);
 }
 
 }  // namespace norvane

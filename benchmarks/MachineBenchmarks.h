@@ -1,15 +1,13 @@
 #pragma once
 
-#include "MedianReporter.h"
+#include "FigureTable.h"
+#include "SampleReporter.h"
 
 namespace norvane {
 
-// Registers what ticks cost on captured machines, whose files lie in memory, so that reading is nearly free
-// and what is left is ours: taking the texts apart. Also what the processors, drives and mounts of larger and
-// larger servers cost.
+// What ticks and parsers cost on machines that are there as files, beside looking at every byte of them, and
+// how that grows with the number of processors, drives and mounts.
 void registerMachineBenchmarks();
-
-// Whether all of them keep their bounds; says so.
-bool judgeMachineBenchmarks(const MedianReporter& figures);
+void addMachineFigures(const SampleReporter& samples, FigureTable& table);
 
 }  // namespace norvane

@@ -1,48 +1,57 @@
-#include <sys/types.h>
+#include "ProgramBenchmark.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <map>
-#include <memory>
+#include <fstream>
 #include <optional>
-#include <string>
 #include <system_error>
 #include <thread>
-#include <vector>
+#include <utility>
 
 #include "ChildProcess.h"
-#include "DisplayWatcher.h"
-#include "Environment.h"
-#include "PanelBenchmark.h"
 #include "ProcessFigures.h"
-#include "ScratchFolder.h"
-#include "Surroundings.h"
-#include "Verdict.h"
+#include "ShownProgram.h"
+#include "views/Animation.h"
 
 namespace norvane {
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = DisplayWatcher::Clock;
 
-constexpr double kMostMillisecondsToPaint = 40;
+constexpr double kMostMillisecondsToStrip = 40;
+constexpr double kMostMillisecondsAtFirst = 80;
+constexpr double kMostMillisecondsLater = 30;
 constexpr double kMostSwitchesASecond = 2.2;
-constexpr double kMostPrivateDirtyMiB = 3;
+constexpr double kMostTimesTheLoop = 2.4;
+constexpr double kMostHiddenMiB = 3;
+constexpr double kMostResidentMiB = 24;
+constexpr double kMostLeftMiB = 2;
 
-constexpr int kStarts = 20;
+// Processor time, in milliseconds a second: ten are a hundredth of a processor.
+struct Panel {
+    const char* name;
+    std::optional<double> bound;
+};
+constexpr Panel kPanels[] = {
+    {"cpu", 25}, {"memory", 15}, {"storage", std::nullopt}, {"battery", std::nullopt}};
+constexpr double kMostForManyProcessors = 60;
+
+constexpr int kStarts = 15;
+constexpr int kLives = 3;
+constexpr int kLaterClicks = 4;
 constexpr auto kSettling = 3s;
-constexpr auto kHidden = 30s;
-constexpr auto kPatience = 10s;
-constexpr const char* kWindowClass = "norvane";
+constexpr auto kClosed = 30s;
 
-double milliseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::milli>(duration).count();
+// Until what fades in is half there.
+double entranceMilliseconds() {
+    const Animation entrance = Animation::easeOut(0.18);
+    std::chrono::nanoseconds time{0};
+    while (entrance.restAfter(time).way > 0.5)
+        time += 100us;
+    return std::chrono::duration<double, std::milli>(time).count();
 }
 
+// Thermal zones are looked at by a thread that nothing else wakes: one more switch now and then.
 bool hasThermalZones() {
     std::error_code error;
     for (std::filesystem::directory_iterator zones("/sys/class/thermal", error), end; !error && zones != end;
@@ -52,190 +61,162 @@ bool hasThermalZones() {
     return false;
 }
 
-class ProgramBenchmark {
- public:
-    ProgramBenchmark(std::string program, DisplayWatcher& watcher, Verdict& verdict)
-        : program_(std::move(program)), watcher_(watcher), verdict_(verdict) {}
-
-    void measureStarts(const Surroundings& in) {
-        // Once for the font cache, and for what the kernel keeps of the files.
-        std::vector<double> mapped;
-        std::vector<double> painted;
-        for (int i = -1; i < kStarts; ++i) {
-            watcher_.skipPast();
-            ChildProcess child({program_}, in.environment);
-            const auto strip = shownBy(child);
-            if (!strip) return verdict_.fail("start, " + in.name + ": no strip was painted");
-            if (i < 0) continue;
-            mapped.push_back(milliseconds(strip->mapped - child.startedAt()));
-            painted.push_back(milliseconds(strip->painted - child.startedAt()));
-        }
-        std::sort(mapped.begin(), mapped.end());
-        std::sort(painted.begin(), painted.end());
-        char more[96];
-        std::snprintf(more, sizeof more, " (least %.1f, most %.1f; mapped after %.1f)", painted.front(),
-                      painted.back(), mapped[mapped.size() / 2]);
-        verdict_.judge("start to painted strip, " + in.name + ", median", painted[painted.size() / 2], "ms",
-                       kMostMillisecondsToPaint, more);
-    }
-
-    void measureLife(const Surroundings& in) {
-        watcher_.skipPast();
-        ChildProcess child({program_}, in.environment);
-        const auto strip = shownBy(child);
-        if (!strip) return verdict_.fail("life, " + in.name + ": no strip was painted");
-        measureHidden(child, in);
-        measurePopover(child, in, *strip);
-        if (child.hasEnded()) verdict_.fail("life, " + in.name + ": the program ended by itself");
-    }
-
- private:
-    std::optional<DisplayWatcher::Shown> shownBy(ChildProcess& child) {
-        return watcher_.nextShown(kWindowClass, kPatience, [&child] { return child.hasEnded(); });
-    }
-
-    void measureHidden(const ChildProcess& child, const Surroundings& in) {
-        std::this_thread::sleep_for(kSettling);
-        const auto cpuBefore = cpuTimeOf(child.id());
-        const auto before = voluntarySwitchesOf(child.id());
-        const auto begin = Clock::now();
-        // Looked at again and again, so that a thread that ends has been counted.
-        std::map<pid_t, std::uint64_t> latest = before;
-        while (Clock::now() - begin < kHidden) {
-            std::this_thread::sleep_for(500ms);
-            for (const auto& [thread, count] : voluntarySwitchesOf(child.id()))
-                latest[thread] = count;
-        }
-        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
-        const auto cpuAfter = cpuTimeOf(child.id());
-        const auto memory = memoryOf(child.id());
-        if (before.empty() || !cpuBefore || !cpuAfter || !memory)
-            return verdict_.fail("hidden, " + in.name + ": the kernel tells nothing of the program");
-
-        double all = 0;
-        std::string threads;
-        for (const auto& [thread, count] : latest) {
-            const auto first = before.find(thread);
-            const double switches = static_cast<double>(count - (first != before.end() ? first->second : 0));
-            all += switches;
-            char text[32];
-            std::snprintf(text, sizeof text, "%s%.2f", threads.empty() ? "" : " + ", switches / seconds);
-            threads += text;
-        }
-        const std::string switching = "hidden, " + in.name + ", voluntary switches";
-        if (hasThermalZones()) {
-            verdict_.tell(switching, all / seconds, "/s", " (" + threads + "; no bound with thermal zones)");
-        } else {
-            verdict_.judge(switching, all / seconds, "/s", kMostSwitchesASecond,
-                           " (by threads: " + threads + ")");
-        }
-        verdict_.tell("hidden, " + in.name + ", processor time",
-                      milliseconds(*cpuAfter - *cpuBefore) / seconds, "ms/s");
-        verdict_.judge("hidden, " + in.name + ", private dirty", memory->privateDirtyMiB, "MiB",
-                       kMostPrivateDirtyMiB);
-        verdict_.tell("hidden, " + in.name + ", resident", memory->residentMiB, "MiB");
-    }
-
-    void measurePopover(ChildProcess& child, const Surroundings& in, const DisplayWatcher::Shown& strip) {
-        const auto fail = [&](const char* what) { verdict_.fail("popover, " + in.name + ": " + what); };
-        const std::vector<std::string> toStrip{"xdotool", "mousemove", std::to_string(strip.x),
-                                               std::to_string(strip.y)};
-        const std::vector<std::string> click{"xdotool", "click", "1"};
-        if (ChildProcess(toStrip, in.environment).exitStatus(kPatience) != 0)
-            return fail("xdotool cannot point");
-        for (const char* const opening : {"first", "second"}) {
-            watcher_.skipPast();
-            // Not waited for: the events are timed as they come.
-            ChildProcess opener(click, in.environment);
-            const auto popover = shownBy(child);
-            const auto press = watcher_.lastPress();
-            if (!popover || !press) return fail("none was painted after a click");
-            char more[64];
-            std::snprintf(more, sizeof more, " (painted after %.2f)",
-                          milliseconds(popover->painted - *press));
-            verdict_.tell("popover, " + in.name + ", " + opening + " click to mapped",
-                          milliseconds(popover->mapped - *press), "ms", more);
-            if (opener.exitStatus(kPatience) != 0) return fail("xdotool cannot click");
-            tellMemory(child, "popover, " + in.name + ", open 3 s", 3s);
-            ChildProcess closer(click, in.environment);
-            const bool isHidden = watcher_.waitUntilHidden(popover->window, kPatience);
-            // It closes on the press: one that is cut off before the release would leave the button down.
-            if (!isHidden || closer.exitStatus(kPatience) != 0) return fail("a second click left it open");
-        }
-        tellMemory(child, "popover, " + in.name + ", closed 30 s", 30s);
-    }
-
-    void tellMemory(const ChildProcess& child, const std::string& when, std::chrono::seconds after) {
-        std::this_thread::sleep_for(after);
-        const auto memory = memoryOf(child.id());
-        if (!memory) return verdict_.fail(when + ": the kernel tells nothing of the program");
-        verdict_.tell(when + ", resident", memory->residentMiB, "MiB");
-        verdict_.tell(when + ", private dirty", memory->privateDirtyMiB, "MiB");
-    }
-
-    std::string program_;
-    DisplayWatcher& watcher_;
-    Verdict& verdict_;
-};
-
-int complain(const char* what) {
-    std::fprintf(stderr, "%s\n", what);
-    return 2;
-}
-
-int run(const std::string& program, const std::string& serverProgram) {
-    const ScratchFolder scratch;
-    if (scratch.path().empty()) return complain("There is no room for temporary files.");
-    // Nothing of the desktop that this runs on, so that the figures are comparable.
-    const Environment plain = Environment::inherited()
-                                  .with("XDG_CONFIG_HOME", scratch.path())
-                                  .with("XDG_RUNTIME_DIR", scratch.path())
-                                  .without("DBUS_SESSION_BUS_ADDRESS")
-                                  .with("DBUS_SYSTEM_BUS_ADDRESS", "");
-
-    ChildProcess server(
-        {"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1000x24", "-nolisten", "tcp", "-noreset"}, plain,
-        ChildProcess::Output::read);
-    const auto number = server.firstLine(30s);
-    if (!number) return complain("Xvfb does not start.");
-    const Environment alone = plain.with("DISPLAY", ':' + *number);
-    const auto watcher = DisplayWatcher::open(':' + *number);
-    if (!watcher) return complain("The display cannot be watched.");
-
-    ChildProcess bus({"dbus-daemon", "--session", "--nofork", "--print-address"}, alone,
-                     ChildProcess::Output::read);
-    const auto address = bus.firstLine(30s);
-    if (!address) return complain("dbus-daemon does not start.");
-
-    Verdict verdict;
-    ProgramBenchmark benchmark(program, *watcher, verdict);
-    const std::vector<Surroundings> all{
-        {"no bus", alone},
-        {"bus", alone.with("DBUS_SESSION_BUS_ADDRESS", *address).with("DBUS_SYSTEM_BUS_ADDRESS", *address)}};
-    // Its settings are those of somebody who has been welcomed, here as well.
-    PanelBenchmark panels(all.front(), scratch.path(), server.id(), *watcher, verdict);
-    for (const Surroundings& surroundings : all)
-        benchmark.measureStarts(surroundings);
-    panels.measure(program);
-    panels.measureManyProcessors(serverProgram);
-    for (const Surroundings& surroundings : all)
-        benchmark.measureLife(surroundings);
-    return verdict.isGood() ? 0 : 1;
-}
-
-// Where this program lies.
-std::filesystem::path ownFolder() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-}
-
 }  // namespace
-}  // namespace norvane
 
-int main(int argumentCount, char** arguments) {
-    const std::filesystem::path folder = norvane::ownFolder();
-    // The program lies where a build leaves it.
-    const std::string program =
-        argumentCount > 1 ? arguments[1] : (folder.parent_path() / "norvane").string();
-    return norvane::run(program, (folder / "norvane_server_program").string());
+ProgramBenchmark::ProgramBenchmark(MeasuredPrograms programs, std::string settingsFolder, pid_t server,
+                                   DisplayWatcher& watcher, FigureTable& table)
+    : programs_(std::move(programs)),
+      settingsFolder_(std::move(settingsFolder)),
+      server_(server),
+      watcher_(watcher),
+      table_(table) {
+    remember("memory");
 }
+
+// As the settings of somebody who has been welcomed and looked at that panel last.
+void ProgramBenchmark::remember(const std::string& panel) {
+    std::filesystem::create_directories(settingsFolder_ + "/norvane");
+    std::ofstream(settingsFolder_ + "/norvane/defaults.ini")
+        << "[defaults]\nhasSeenWelcome=true\nisSmartAutoExpandEnabled=false\nlastViewedPod=\"" << panel
+        << "\"\n";
+}
+
+std::vector<double> ProgramBenchmark::starts(const std::string& program, const Surroundings& in) {
+    std::vector<double> samples;
+    // Once for the font cache, and for what the kernel keeps of the files.
+    for (int i = -1; i < kStarts; ++i) {
+        const ShownProgram shown(program, in, watcher_);
+        if (!shown.isThere()) return {};
+        if (i >= 0) samples.push_back(shown.millisecondsToStrip());
+    }
+    return samples;
+}
+
+void ProgramBenchmark::measureStarts(const Surroundings& in) {
+    table_.add({.what = "start to painted strip, " + in.name,
+                .samples = starts(programs_.norvane, in),
+                .unit = "ms",
+                .beside = FigureTable::Beside{"bare window", starts(programs_.bareWindows, in)},
+                .bound = kMostMillisecondsToStrip});
+}
+
+ProgramBenchmark::Clicks ProgramBenchmark::clicks(const std::string& program, const Surroundings& in) {
+    Clicks all;
+    for (int life = 0; life < kLives; ++life) {
+        ShownProgram shown(program, in, watcher_);
+        if (!shown.isThere()) return {};
+        std::this_thread::sleep_for(kSettling);
+        for (int click = 0; click <= kLaterClicks; ++click) {
+            const auto taken = shown.open();
+            if (!taken || !shown.close()) return {};
+            (click == 0 ? all.first : all.later).push_back(*taken);
+        }
+    }
+    return all;
+}
+
+void ProgramBenchmark::measureClicks(const Surroundings& in) {
+    Clicks own = clicks(programs_.norvane, in);
+    const Clicks bare = clicks(programs_.bareWindows, in);
+    // Later openings have no entrance.
+    for (double& taken : own.first)
+        taken -= entranceMilliseconds();
+    table_.add({.what = "first click to half opacity, without the entrance",
+                .samples = own.first,
+                .unit = "ms",
+                .beside = FigureTable::Beside{"bare window", bare.first},
+                .bound = kMostMillisecondsAtFirst});
+    table_.add({.what = "later click to half opacity",
+                .samples = own.later,
+                .unit = "ms",
+                .beside = FigureTable::Beside{"bare window", bare.later},
+                .bound = kMostMillisecondsLater});
+}
+
+std::optional<LoadWatch::Loads> ProgramBenchmark::minuteOf(pid_t program, const Surroundings& in) {
+    const ChildProcess loop({programs_.bareReader}, in.environment);
+    std::this_thread::sleep_for(kSettling);
+    return LoadWatch(program, server_, loop.id()).watch();
+}
+
+void ProgramBenchmark::addMemory(pid_t program, const std::string& when, std::optional<double> residentBound,
+                                 std::optional<double> dirtyBound) {
+    const auto memory = memoryOf(program);
+    if (!memory) return table_.fail(when + ": the kernel tells nothing of the program");
+    table_.add({.what = when + ", resident",
+                .samples = {memory->residentMiB},
+                .unit = "MiB",
+                .bound = residentBound});
+    table_.add({.what = when + ", private dirty",
+                .samples = {memory->privateDirtyMiB},
+                .unit = "MiB",
+                .bound = dirtyBound});
+}
+
+void ProgramBenchmark::measureLife(const Surroundings& in) {
+    ShownProgram shown(programs_.norvane, in, watcher_);
+    const std::string hidden = "hidden, " + in.name;
+    if (!shown.isThere()) return table_.fail(hidden + ": no strip was painted");
+    const auto loads = minuteOf(shown.id(), in);
+    if (!loads) return table_.fail(hidden + ": the kernel tells nothing of the program");
+    const FigureTable::Beside loop{"bare loop", loads->bareLoop};
+    table_.add({.what = hidden + ", program and X server",
+                .samples = loads->both,
+                .unit = "ms/s",
+                .beside = loop,
+                .ratioBound = kMostTimesTheLoop});
+    table_.add(
+        {.what = hidden + ", the program alone", .samples = loads->program, .unit = "ms/s", .beside = loop});
+    table_.add({.what = hidden + ", wake-ups",
+                .samples = loads->switches,
+                .unit = "/s",
+                .bound = hasThermalZones() ? std::nullopt : std::optional(kMostSwitchesASecond)});
+    const auto before = memoryOf(shown.id());
+    addMemory(shown.id(), hidden, std::nullopt, kMostHiddenMiB);
+
+    if (!shown.open()) return table_.fail("open, " + in.name + ": nothing was shown");
+    std::this_thread::sleep_for(kSettling);
+    addMemory(shown.id(), "open, " + in.name, kMostResidentMiB, std::nullopt);
+    if (!shown.close()) return table_.fail("open, " + in.name + ": a second click left it open");
+    std::this_thread::sleep_for(kClosed);
+    const auto after = memoryOf(shown.id());
+    if (!before || !after)
+        return table_.fail("closed, " + in.name + ": the kernel tells nothing of the program");
+    table_.add({.what = "closed half a minute, " + in.name + ", private dirty more than before",
+                .samples = {after->privateDirtyMiB - before->privateDirtyMiB},
+                .unit = "MiB",
+                .bound = kMostLeftMiB});
+    if (shown.hasEnded()) table_.fail("life, " + in.name + ": the program ended by itself");
+}
+
+void ProgramBenchmark::measureOpen(const std::string& program, const Surroundings& in,
+                                   const std::string& panel, std::optional<double> bound) {
+    const std::string open = panel + " panel open";
+    ShownProgram shown(program, in, watcher_);
+    if (!shown.isThere()) return table_.fail(open + ": no strip was painted");
+    std::this_thread::sleep_for(kSettling);
+    // The first opening shows the processor, the next one what is remembered.
+    if (!shown.open() || !shown.close() || !shown.open()) return table_.fail(open + ": nothing was shown");
+    const auto loads = minuteOf(shown.id(), in);
+    if (!loads) return table_.fail(open + ": the kernel tells nothing of the program");
+    const FigureTable::Beside loop{"bare loop", loads->bareLoop};
+    table_.add({.what = open + ", program and X server",
+                .samples = loads->both,
+                .unit = "ms/s",
+                .beside = loop,
+                .bound = bound});
+    table_.add(
+        {.what = open + ", the program alone", .samples = loads->program, .unit = "ms/s", .beside = loop});
+    table_.add({.what = open + ", wake-ups", .samples = loads->switches, .unit = "/s"});
+}
+
+void ProgramBenchmark::measurePanels(const Surroundings& in) {
+    for (const Panel& panel : kPanels) {
+        remember(panel.name);
+        measureOpen(programs_.norvane, in, panel.name, panel.bound);
+    }
+    remember("cpu");
+    measureOpen(programs_.manyProcessors, in, "cpu (64 processors)", kMostForManyProcessors);
+}
+
+}  // namespace norvane

@@ -1,137 +1,83 @@
 #include "platform/linux/LinuxAccessibility.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 
-#include "BusPeer.h"
-#include "linux/RunLoop.h"
-#include "platform/linux/BusName.h"
-#include "platform/linux/LinuxMainQueue.h"
+#include "BusTest.h"
 #include "platform/linux/LinuxMonotonicClock.h"
-#include "PrivateBus.h"
+#include "PlayedService.h"
 
 namespace norvane {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms};
-
-constexpr const char* kBusDescription =
-    "<node><interface name='org.a11y.Bus'><method name='GetAddress'><arg type='s' direction='out'/></method>"
-    "</interface></node>";
-constexpr const char* kStatusDescription =
-    "<node><interface name='org.a11y.Status'><property name='IsEnabled' type='b' access='read'/>"
-    "</interface></node>";
-constexpr const char* kRegistryDescription =
-    "<node><interface name='org.a11y.atspi.Socket'><method name='Embed'><arg type='(so)' direction='in'/>"
-    "<arg type='(so)' direction='out'/></method></interface></node>";
-
-// One part of the desktop's accessibility, under a name of its own on a bus.
-class Service {
- public:
-    Service(LinuxMainQueue& queue, const PrivateBus& bus, const char* name)
-        : connection(queue, bus.address(), kAtOnce), name_(connection, name, [](bool) {}) {}
-
-    bool isThere() {
-        return runUntil([this] { return name_.isOwned(); });
-    }
-
-    BusConnection connection;
-    std::vector<Cancellation> objects;
-
- private:
-    BusName name_;
-};
-
 // A desktop whose accessibility bus is the session bus itself, and that counts who joins.
-class AccessibilityTest : public testing::Test {
+class AccessibilityTest : public BusTest {
  protected:
     void startStatus(bool isEnabledAtFirst) {
         isEnabled = isEnabledAtFirst;
-        status = std::make_unique<Service>(queue, bus, "org.a11y.Bus");
-        status->objects.push_back(status->connection.exportObject(
-            {.path = "/org/a11y/bus",
-             .description = kBusDescription,
-             .called = [this](std::string_view, GVariant*) { return g_variant_new("(s)", address.c_str()); },
-             .read = [](std::string_view) -> GVariant* { return nullptr; }}));
-        status->objects.push_back(status->connection.exportObject(
-            {.path = "/org/a11y/bus",
-             .description = kStatusDescription,
-             .called = [](std::string_view, GVariant*) -> GVariant* { return nullptr; },
-             .read = [this](std::string_view) { return g_variant_new_boolean(isEnabled); }}));
-        ASSERT_TRUE(status->isThere());
+        status = std::make_unique<PlayedService>(
+            bus, "org.a11y.Bus", [this](const PlayedService::Call& call) -> PlayedService::Answer {
+                if (call.method == "GetAddress") return {"('" + address + "',)"};
+                return {isEnabled ? "(<true>,)" : "(<false>,)"};
+            });
     }
     void startRegistry() {
-        registry = std::make_unique<Service>(queue, bus, "org.a11y.atspi.Registry");
-        registry->objects.push_back(registry->connection.exportObject(
-            {.path = "/org/a11y/atspi/accessible/root",
-             .description = kRegistryDescription,
-             .called =
-                 [this](std::string_view, GVariant* arguments) {
-                     const gchar* name = nullptr;
-                     g_variant_get(arguments, "((&s&o))", &name, nullptr);
-                     application = name;
-                     ++joins;
-                     return g_variant_new("((so))", "org.a11y.atspi.Registry",
-                                          "/org/a11y/atspi/accessible/root");
-                 },
-             .read = [](std::string_view) -> GVariant* { return nullptr; }}));
-        ASSERT_TRUE(registry->isThere());
+        registry.reset();
+        registry = std::make_unique<PlayedService>(
+            bus, "org.a11y.atspi.Registry", [this](const PlayedService::Call& call) -> PlayedService::Answer {
+                if (call.method != "Embed") return {.error = "org.norvane.No"};
+                application = call.arguments.substr(3, call.arguments.find('\'', 3) - 3);
+                ++joins;
+                return {"(('org.a11y.atspi.Registry', objectpath '/org/a11y/atspi/accessible/root'),)"};
+            });
     }
-    void say(const char* changed) {
-        status->connection.emit("/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged",
-                                g_variant_new_parsed(changed));
+    void say(const std::string& values, const std::string& outdated = "@as []") {
+        status->emitChange("/org/a11y/bus", "org.a11y.Status", values, outdated);
     }
     void sayEnabled(bool enabled) {
         isEnabled = enabled;
-        say(enabled ? "('org.a11y.Status', {'IsEnabled': <true>}, @as [])"
-                    : "('org.a11y.Status', {'IsEnabled': <false>}, @as [])");
+        say(enabled ? "{'IsEnabled': <true>}" : "{'IsEnabled': <false>}");
     }
     bool joined(int times) {
         return runUntil([&] { return joins == times; });
     }
+    bool comesToBeOn(bool isOn) {
+        return runUntil([&] { return accessibility.isOn() == isOn; });
+    }
 
-    PrivateBus bus;
-    LinuxMainQueue queue;
     LinuxMonotonicClock clock;
     AccessibleSurfaces surfaces;
     bool isEnabled = false;
     int joins = 0;
     std::string address = bus.address();
     std::string application;
-    std::unique_ptr<Service> status;
-    std::unique_ptr<Service> registry;
+    std::unique_ptr<PlayedService> status;
+    std::unique_ptr<PlayedService> registry;
     BusConnection session{queue, bus.address(), kAtOnce};
-    std::unique_ptr<LinuxAccessibility> accessibility =
-        std::make_unique<LinuxAccessibility>(session, queue, clock, surfaces, [] { return 1.0; });
+    LinuxAccessibility accessibility{session, queue, clock, surfaces, [] { return 1.0; }};
 };
 
 TEST_F(AccessibilityTest, FollowsWhetherAnybodyWantsToBeTold) {
     startRegistry();
     startStatus(false);
-    ASSERT_TRUE(runUntil([&] { return session.state() == BusConnection::State::connected; }));
-    EXPECT_FALSE(accessibility->isOn());
+    ASSERT_TRUE(comesToBe(session, BusConnection::State::connected));
+    EXPECT_FALSE(accessibility.isOn());
     sayEnabled(true);
     ASSERT_TRUE(joined(1));
     const BusPeer peer(bus.address());
     EXPECT_TRUE(peer.hasOwner(application.c_str()));
     sayEnabled(false);
-    EXPECT_TRUE(peer.comesToHaveOwner(application.c_str(), false) ||
-                runUntil([&] { return !peer.hasOwner(application.c_str()); }))
-        << "the connection is closed";
-    EXPECT_FALSE(accessibility->isOn());
+    EXPECT_TRUE(peer.comesToHaveOwner(application.c_str(), false)) << "the connection is closed";
+    EXPECT_FALSE(accessibility.isOn());
     sayEnabled(true);
     ASSERT_TRUE(joined(2));
-    say("('org.a11y.Status', {'IsEnabled': <'garbage'>}, @as [])");
-    say("('org.a11y.Status', @a{sv} {}, ['IsEnabled'])");
+    say("{'IsEnabled': <'garbage'>}");
+    say("@a{sv} {}", "['IsEnabled']");
     startRegistry();
     ASSERT_TRUE(joined(3)) << "another registry";
-    EXPECT_TRUE(accessibility->isOn());
+    EXPECT_TRUE(accessibility.isOn());
     status.reset();
-    EXPECT_TRUE(runUntil([&] { return !accessibility->isOn(); })) << "whoever said so is gone";
+    EXPECT_TRUE(comesToBeOn(false)) << "whoever said so is gone";
     startStatus(true);
     EXPECT_TRUE(joined(4)) << "and comes again";
 }
@@ -140,9 +86,9 @@ TEST_F(AccessibilityTest, BearsABusThatIsNone) {
     for (const char* const bad : {"", "nonsense", "unix:path=/nowhere/at/all"}) {
         address = bad;
         startStatus(true);
-        ASSERT_TRUE(runUntil([&] { return accessibility->isOn(); })) << bad;
+        ASSERT_TRUE(comesToBeOn(true)) << bad;
         status.reset();
-        ASSERT_TRUE(runUntil([&] { return !accessibility->isOn(); })) << bad;
+        ASSERT_TRUE(comesToBeOn(false)) << bad;
     }
 }
 
@@ -152,45 +98,41 @@ TEST_F(AccessibilityTest, AnswersOddQuestions) {
     startStatus(true);
     ASSERT_TRUE(joined(1));
     struct Question {
-        const char* path;
+        const char* object;
         const char* interface;
         const char* method;
         const char* arguments;
-        const char* answer;  // null for an error
+        const char* answer;
     };
     constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
-    constexpr const char* kRoot = "/org/a11y/atspi/accessible/root";
     constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
     for (const Question& q : {
-             Question{kRoot, kAccessible, "GetRoleName", "()", "('application',)"},
-             Question{kRoot, kAccessible, "GetChildAtIndex", "(-1,)", "(('', '/org/a11y/atspi/null'),)"},
-             Question{kRoot, kAccessible, "GetChildAtIndex", "(2147483647,)",
+             Question{"root", kAccessible, "GetRoleName", "()", "('application',)"},
+             Question{"root", kAccessible, "GetChildAtIndex", "(-1,)", "(('', '/org/a11y/atspi/null'),)"},
+             Question{"root", kAccessible, "GetChildAtIndex", "(2147483647,)",
                       "(('', '/org/a11y/atspi/null'),)"},
-             Question{kRoot, kAccessible, "GetIndexInParent", "()", "(-1,)"},
-             Question{kRoot, kProperties, "Get", "('org.a11y.atspi.Application', 'ToolkitName')",
+             Question{"root", kProperties, "Get", "('org.a11y.atspi.Application', 'ToolkitName')",
                       "(<'Norvane'>,)"},
-             Question{kRoot, kProperties, "Get", "('org.a11y.atspi.Value', 'CurrentValue')", nullptr},
-             Question{kRoot, "org.a11y.atspi.Action", "DoAction", "(0,)", nullptr},
-             Question{"/org/a11y/atspi/accessible/99", kAccessible, "GetRole", "()", nullptr},
-             Question{"/org/a11y/atspi/accessible/0", kAccessible, "GetRole", "()", nullptr},
-             Question{"/org/a11y/atspi/accessible/99999999999999999999999", kAccessible, "GetRole", "()",
-                      nullptr},
-             Question{"/org/a11y/atspi/accessible/1/2", kAccessible, "GetRole", "()", nullptr},
+             Question{"root", kProperties, "Get", "('org.a11y.atspi.Value', 'CurrentValue')", "error"},
+             Question{"root", "org.a11y.atspi.Action", "DoAction", "(0,)", "error"},
+             Question{"99", kAccessible, "GetRole", "()", "error"},
+             Question{"0", kAccessible, "GetRole", "()", "error"},
+             Question{"99999999999999999999999", kAccessible, "GetRole", "()", "error"},
+             Question{"1/2", kAccessible, "GetRole", "()", "error"},
          }) {
-        std::optional<std::string> answer;
+        const std::string path = std::string("/org/a11y/atspi/accessible/") + q.object;
+        std::string answer;
         const Cancellation asked =
             session.call({.name = application.c_str(),
-                          .path = q.path,
+                          .path = path.c_str(),
                           .interface = q.interface,
                           .method = q.method,
-                          .parameters = g_variant_new_parsed(q.arguments)},
+                          .parameters = PlayedService::parsed(q.arguments)},
                          [&](GVariant* value, const GError*) {
-                             gchar* const text = value != nullptr ? g_variant_print(value, FALSE) : nullptr;
-                             answer = text != nullptr ? text : "error";
-                             g_free(text);
+                             answer = value != nullptr ? PlayedService::printed(value) : "error";
                          });
-        ASSERT_TRUE(runUntil([&] { return answer.has_value(); })) << q.path << q.method;
-        EXPECT_EQ(*answer, q.answer != nullptr ? q.answer : "error") << q.path << ' ' << q.method;
+        ASSERT_TRUE(runUntil([&] { return !answer.empty(); })) << path << q.method;
+        EXPECT_EQ(answer, q.answer) << path << ' ' << q.method;
     }
 }
 

@@ -1,17 +1,12 @@
 #include "platform/linux/BusConnection.h"
 
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "BusPeer.h"
+#include "BusTest.h"
 #include "HandDrivenQueue.h"
-#include "linux/RunLoop.h"
-#include "platform/linux/LinuxMainQueue.h"
-#include "PrivateBus.h"
 
 namespace norvane {
 namespace {
@@ -19,28 +14,23 @@ namespace {
 using namespace std::chrono_literals;
 using State = BusConnection::State;
 
-constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms};
-
-BusConnection::Call getId() {
-    return {.name = "org.freedesktop.DBus",
-            .path = "/org/freedesktop/DBus",
-            .interface = "org.freedesktop.DBus",
-            .method = "GetId",
-            .answerType = G_VARIANT_TYPE("(s)")};
-}
-
-// What came of a call.
+// A call and what came of it.
 struct Outcome {
+    Outcome(BusConnection& connection, const BusConnection::Call& what)
+        : call(connection.call(what, [this](GVariant* answer, const GError* failure) {
+              EXPECT_NE(answer == nullptr, failure == nullptr);
+              ++answers;
+              if (failure != nullptr) error = failure->message;
+          })) {
+        EXPECT_EQ(answers, 0) << "never from within the call";
+    }
+    bool comes() const {
+        return runUntil([&] { return answers == 1; });
+    }
+
     int answers = 0;
     std::string error;
-
-    BusConnection::Answered taker() {
-        return [this](GVariant* answer, const GError* failure) {
-            EXPECT_NE(answer == nullptr, failure == nullptr);
-            ++answers;
-            if (failure != nullptr) error = failure->message;
-        };
-    }
+    Cancellation call;
 };
 
 // A listening socket that is no bus: whoever connects is kept waiting, or thrown out.
@@ -70,38 +60,19 @@ class DeafSocket {
     int socket_;
 };
 
-class BusConnectionTest : public testing::Test {
- protected:
-    PrivateBus bus;
-    LinuxMainQueue queue;
-};
+class BusConnectionTest : public BusTest {};
 
-TEST_F(BusConnectionTest, HasCallsWaitForTheConnection) {
+TEST_F(BusConnectionTest, HasCallsWaitForTheConnectionAndTellsNobodyWhoDoesNotWait) {
     BusConnection connection(queue, bus.address(), kAtOnce);
-    Outcome early;
-    const auto earlyCall = connection.call(getId(), early.taker());
-    EXPECT_EQ(connection.state(), State::starting);
-    EXPECT_EQ(early.answers, 0);
-    EXPECT_TRUE(runUntil([&] { return early.answers == 1; }));
-    EXPECT_EQ(early.error, "");
-    EXPECT_EQ(connection.state(), State::connected);
-    Outcome late;
-    const auto lateCall = connection.call(getId(), late.taker());
-    EXPECT_EQ(late.answers, 0) << "never from within the call";
-    EXPECT_TRUE(runUntil([&] { return late.answers == 1; }));
-}
-
-TEST_F(BusConnectionTest, TellsNobodyWhoDoesNotWaitAnyMore) {
-    BusConnection connection(queue, bus.address(), kAtOnce);
-    Outcome dropped;
     for (const State moment : {State::starting, State::connected}) {
-        ASSERT_TRUE(runUntil([&] { return connection.state() == moment; }));
-        connection.call(getId(), dropped.taker()).cancel();
-        Outcome later;
-        const auto call = connection.call(getId(), later.taker());
-        ASSERT_TRUE(runUntil([&] { return later.answers == 1; }));
+        EXPECT_EQ(connection.state(), moment);
+        Outcome dropped(connection, getId());
+        dropped.call.cancel();
+        const Outcome kept(connection, getId());
+        EXPECT_TRUE(kept.comes());
+        EXPECT_EQ(kept.error, "");
+        EXPECT_EQ(dropped.answers, 0);
     }
-    EXPECT_EQ(dropped.answers, 0);
 }
 
 TEST_F(BusConnectionTest, SaysWhyThereIsNone) {
@@ -113,20 +84,17 @@ TEST_F(BusConnectionTest, SaysWhyThereIsNone) {
          {Case{"", "There is no bus"}, Case{"nonsense", "There is no bus"},
           Case{"unix:path=/nowhere/at/all", "Could not connect: No such file or directory"}}) {
         BusConnection connection(queue, c.address, kAtOnce);
-        int changes = 0;
-        const auto observing = connection.onStateChange([&](State state) {
-            ++changes;
-            EXPECT_EQ(state, State::down);
-        });
+        std::vector<State> states;
+        const auto observing = connection.onStateChange([&](State state) { states.push_back(state); });
         for (int calls = 0; calls < 3; ++calls) {
-            Outcome outcome;
-            const auto call = connection.call(getId(), outcome.taker());
-            EXPECT_EQ(outcome.answers, 0) << "never from within the call";
-            EXPECT_TRUE(runUntil([&] { return outcome.answers == 1; })) << c.address;
+            const Outcome outcome(connection, getId());
+            EXPECT_TRUE(outcome.comes()) << c.address;
             EXPECT_EQ(outcome.error, c.error) << c.address;
         }
-        EXPECT_EQ(changes, 1) << c.address;
+        EXPECT_EQ(states, std::vector{State::down}) << c.address;
     }
+    setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+    EXPECT_EQ(BusConnection::sessionAddress(), bus.address());
 }
 
 TEST_F(BusConnectionTest, ComesBackWithItsBusAndFollowsItsSignalsAgain) {
@@ -139,21 +107,20 @@ TEST_F(BusConnectionTest, ComesBackWithItsBusAndFollowsItsSignalsAgain) {
     auto ended = connection.onOwnerChange("org.norvane.Test", [&](bool) { ADD_FAILURE(); });
     ended.cancel();
     for (const int round : {1, 2, 3}) {
-        ASSERT_TRUE(runUntil([&] { return connection.state() == State::connected; }));
+        ASSERT_TRUE(comesToBe(connection, State::connected));
         const BusPeer peer(bus.address());
         peer.requestName("org.norvane.Test");
         peer.releaseName("org.norvane.Test");
         EXPECT_TRUE(runUntil([&] { return owners == std::vector<bool>({true, false}); })) << round;
         owners.clear();
         bus.kill();
-        Outcome lost;
-        const auto call = connection.call(getId(), lost.taker());
-        EXPECT_TRUE(runUntil([&] { return lost.answers == 1; }));
+        const Outcome lost(connection, getId());
+        EXPECT_TRUE(lost.comes());
         EXPECT_NE(lost.error, "");
-        ASSERT_TRUE(runUntil([&] { return connection.state() == State::down; }));
+        ASSERT_TRUE(comesToBe(connection, State::down));
         bus.start();
     }
-    ASSERT_TRUE(runUntil([&] { return connection.state() == State::connected; }));
+    ASSERT_TRUE(comesToBe(connection, State::connected));
     EXPECT_EQ(states, (std::vector<State>{State::connected, State::down, State::connected, State::down,
                                           State::connected, State::down, State::connected}));
 }
@@ -166,9 +133,7 @@ TEST_F(BusConnectionTest, IsTriedEverMoreSeldomAndWhenItIsNeeded) {
     // The calls say when an attempt has come to its end.
     const auto isTried = [&] {
         EXPECT_TRUE(runUntil([&] { return deaf.throwOut(); }));
-        bool isOver = false;
-        const auto call = connection.call(getId(), [&](GVariant*, const GError*) { isOver = true; });
-        EXPECT_TRUE(runUntil([&] { return isOver; }));
+        EXPECT_TRUE(hearsAll(connection));
     };
     EXPECT_EQ(slow.untilTheNext(), 200ms);
     slow.advance(200ms);
@@ -179,26 +144,22 @@ TEST_F(BusConnectionTest, IsTriedEverMoreSeldomAndWhenItIsNeeded) {
         slow.advance(pause);
         isTried();
     }
-    Outcome needed;
-    const auto call = connection.call(getId(), needed.taker());
+    const Outcome needed(connection, getId());
     slow.advance(0ns);
     EXPECT_TRUE(runUntil([&] { return deaf.throwOut(); }));
-    EXPECT_TRUE(runUntil([&] { return needed.answers == 1; }));
+    EXPECT_TRUE(needed.comes());
 }
 
 TEST_F(BusConnectionTest, WaitsForASilentBusNoLongerThanForAnAnswer) {
     const DeafSocket deaf(bus.folder() + "/deaf");
     HandDrivenQueue slow;
     BusConnection connection(slow, deaf.address(), kAtOnce);
-    Outcome impatient;
     auto call = getId();
+    const Outcome usual(connection, call);
     call.limit = 2s;
-    const auto impatientCall = connection.call(call, impatient.taker());
-    Outcome usual;
-    const auto usualCall = connection.call(getId(), usual.taker());
-    Outcome patient;
+    const Outcome impatient(connection, call);
     call.limit.reset();
-    const auto patientCall = connection.call(call, patient.taker());
+    const Outcome patient(connection, call);
     slow.advance(0ns);
     slow.advance(1999ms);
     EXPECT_EQ(impatient.answers, 0);
@@ -208,7 +169,7 @@ TEST_F(BusConnectionTest, WaitsForASilentBusNoLongerThanForAnAnswer) {
     EXPECT_EQ(connection.state(), State::starting);
     slow.advance(23s);
     EXPECT_EQ(usual.answers, 1);
-    EXPECT_TRUE(runUntil([&] { return connection.state() == State::down; }));
+    EXPECT_TRUE(comesToBe(connection, State::down));
     EXPECT_EQ(usual.answers + impatient.answers, 2);
     EXPECT_EQ(patient.answers, 1) << "there is nobody to wait for";
 }
@@ -219,14 +180,12 @@ TEST_F(BusConnectionTest, GoesAwayAtAnyMoment) {
         for (int turns = 0; turns < 30; ++turns) {
             BusConnection connection(queue, address, kAtOnce);
             const auto following = connection.onOwnerChange("org.norvane.Test", [](bool) {});
-            Outcome outcome;
-            const auto call = connection.call(getId(), outcome.taker());
+            const Outcome outcome(connection, getId());
             for (int turn = 0; turn < turns; ++turn)
                 g_main_context_iteration(nullptr, FALSE);
         }
     }
-    while (g_main_context_iteration(nullptr, FALSE)) {
-    }
+    turnToTheEnd();
 }
 
 }  // namespace

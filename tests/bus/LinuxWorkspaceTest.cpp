@@ -1,6 +1,5 @@
 #include "platform/linux/LinuxWorkspace.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,13 +11,11 @@
 #include <fstream>
 #include <sstream>
 
-#include "linux/RunLoop.h"
+#include "BusTest.h"
 #include "linux/TemporaryFolder.h"
-#include "MockService.h"
 #include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxBackgroundQueue.h"
-#include "platform/linux/LinuxMainQueue.h"
-#include "PrivateBus.h"
+#include "PlayedService.h"
 
 namespace norvane {
 namespace {
@@ -26,9 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
-constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms};
-constexpr MockService::Place kPortal{"org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-                                     "org.freedesktop.portal.OpenURI"};
+constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
 constexpr const char* kFolderVariable = "NORVANE_TEST_FOLDER";
 
 std::string contentsOf(const std::string& path) {
@@ -46,59 +41,58 @@ class CountingQueue final : public BackgroundQueue {
     int count = 0;
 };
 
-class WorkspaceTest : public testing::Test {
+class WorkspaceTest : public BusTest {
  protected:
-    PrivateBus bus;
-    LinuxMainQueue queue;
+    // Whether nobody but a program is left to open a link.
+    bool looksForAProgram() {
+        workspace.openURL("https://example.org");
+        const int before = others.count;
+        return runUntil([&] { return others.count == before + 1; });
+    }
+
     BusConnection connection{queue, bus.address(), kAtOnce};
     CountingQueue others;
     LinuxWorkspace workspace{connection, connection, queue, others, RootFolder(""), 300ms};
 };
 
 TEST_F(WorkspaceTest, GivesLinksToThePortalAndNothingElse) {
-    const MockService portal(bus, kPortal);
-    portal.addMethod("OpenURI", "ssa{sv}", "o", "ret = '/request'");
-    for (const char* const url :
-         {"file:///etc/passwd", "javascript:1", "", "https", "https:", "httpsx://a", "://", "-https://a",
-          " https://a", "https://a\nb", "mailto:\xFF", "ftp://a"})
+    const PlayedService portal(bus, kPortal, [](const auto& call) -> PlayedService::Answer {
+        EXPECT_EQ(call.path + ' ' + call.interface + ' ' + call.method,
+                  "/org/freedesktop/portal/desktop org.freedesktop.portal.OpenURI OpenURI");
+        return {"(objectpath '/request',)"};
+    });
+    for (const char* const url : {"file:///etc/passwd", "javascript:1", "", "https", "https:", "httpsx://a",
+                                  "-https://a", " https://a", "https://a\nb", "mailto:\xFF"})
         workspace.openURL(url);
     workspace.openURL("https://" + std::string(100'000, 'a'));
-    workspace.openURL("https://example.org/a?b=%20&c#d");
-    workspace.openURL("HTTP://example.org");
-    workspace.openURL("mailto:somebody@example.org");
-    EXPECT_TRUE(runUntil([&] { return portal.calls("OpenURI").size() >= 3; }));
-    EXPECT_EQ(portal.calls("OpenURI"), (Texts{"[<''>, <'https://example.org/a?b=%20&c#d'>, <@a{sv} {}>]",
-                                              "[<''>, <'HTTP://example.org'>, <@a{sv} {}>]",
-                                              "[<''>, <'mailto:somebody@example.org'>, <@a{sv} {}>]"}));
+    for (const char* const url :
+         {"https://example.org/a?b=%20&c#d", "HTTP://example.org", "mailto:somebody@example.org"})
+        workspace.openURL(url);
+    EXPECT_TRUE(runUntil([&] { return portal.calls().size() >= 3; }));
+    EXPECT_EQ(portal.argumentsOf("OpenURI"),
+              (Texts{"('', 'https://example.org/a?b=%20&c#d', {})", "('', 'HTTP://example.org', {})",
+                     "('', 'mailto:somebody@example.org', {})"}));
     EXPECT_EQ(others.count, 0);
 }
 
 TEST_F(WorkspaceTest, LooksForAProgramWhereThePortalDoesNotTakeTheLink) {
-    workspace.openURL("https://example.org");
-    EXPECT_TRUE(runUntil([&] { return others.count == 1; })) << "there is none";
+    EXPECT_TRUE(looksForAProgram()) << "there is none";
+    PlayedService::Answer answer{.error = "org.freedesktop.DBus.Error.UnknownMethod"};
     {
-        const MockService portal(bus, kPortal);
-        workspace.openURL("https://example.org");
-        EXPECT_TRUE(runUntil([&] { return others.count == 2; })) << "it opens no links";
-    }
-    {
-        // On the bus, and never answering.
-        const BusPeer silent(bus.address());
-        silent.requestName(kPortal.name);
-        workspace.openURL("https://example.org");
-        EXPECT_TRUE(runUntil([&] { return others.count == 3; })) << "it hangs";
+        const PlayedService portal(bus, kPortal, [&](const auto&) { return answer; });
+        EXPECT_TRUE(looksForAProgram()) << "it opens no links";
+        answer = {.isLater = true};
+        EXPECT_TRUE(looksForAProgram()) << "it hangs";
     }
     bus.kill();
-    workspace.openURL("https://example.org");
-    EXPECT_TRUE(runUntil([&] { return others.count == 4; })) << "there is no bus";
+    EXPECT_TRUE(looksForAProgram()) << "there is no bus";
 }
 
 TEST(HandlerCommand, HasTheLinkWhereTheProgramWantsIt) {
-    struct Case {
+    const struct {
         const char* exec;
         Texts command;
-    };
-    const std::vector<Case> cases = {
+    } cases[] = {
         {"browser %u", {"browser", "L"}},
         {"browser %U --new", {"browser", "L", "--new"}},
         {"browser %F", {"browser", "L"}},
@@ -113,9 +107,8 @@ TEST(HandlerCommand, HasTheLinkWhereTheProgramWantsIt) {
         {"", {}},
         {nullptr, {}},
     };
-    for (const Case& each : cases)
-        EXPECT_EQ(LinuxWorkspace::commandFor(each.exec, "L"), each.command)
-            << (each.exec ? each.exec : "null");
+    for (const auto& each : cases)
+        EXPECT_EQ(LinuxWorkspace::commandFor(each.exec, "L"), each.command) << (each.exec ? each.exec : "");
 }
 
 // What the other process of the test below does. Like the program it has signals that are blocked and one
@@ -124,7 +117,7 @@ void openLinksAndTell(const std::string& folder) {
     LinuxMainQueue queue;
     const LinuxApplication application(queue);
     LinuxBackgroundQueue background;
-    BusConnection noBus(queue, "", kAtOnce);
+    BusConnection noBus(queue, "");
     LinuxWorkspace workspace(noBus, noBus, queue, background, RootFolder(""));
     workspace.openURL("Mailto:x");  // nobody takes it
     workspace.openURL("https://example.org/$(id) 'b'");

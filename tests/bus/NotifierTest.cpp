@@ -1,20 +1,16 @@
-#include <gtest/gtest.h>
-
 #include <unistd.h>
-#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "BusPeer.h"
+#include "BusTest.h"
 #include "HandDrivenQueue.h"
-#include "linux/RunLoop.h"
+#include "platform/linux/BusName.h"
 #include "platform/linux/CairoHandles.h"
-#include "platform/linux/LinuxMainQueue.h"
 #include "platform/linux/NotifierItem.h"
 #include "platform/linux/NotifierMenu.h"
 #include "platform/linux/NotifierWatch.h"
-#include "PrivateBus.h"
+#include "PlayedService.h"
 
 namespace norvane {
 namespace {
@@ -23,117 +19,54 @@ using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 using State = NotifierWatch::State;
 
-constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms};
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 constexpr const char* kItem = "org.kde.StatusNotifierItem";
 constexpr const char* kItemPath = "/StatusNotifierItem";
 
-std::string printed(GVariant* value) {
-    const std::unique_ptr<gchar, decltype(&g_free)> text(g_variant_print(value, FALSE), &g_free);
-    return text.get();
-}
-
-// A watcher of the test's own, on the main thread. Its answers are in the text form of GVariant.
+// What hosts and items register at. Its answer is in the text form of GVariant.
 class Watcher {
  public:
-    explicit Watcher(const PrivateBus& bus, const std::string& hasHost = "true", bool isSilent = false)
-        : isSilent_(isSilent), peer_(bus.address()) {
-        setHost(hasHost);
-        const std::string description =
-            std::string("<node><interface name='") + kWatcher +
-            "'><method name='RegisterStatusNotifierItem'><arg type='s'/></method><property name="
-            "'IsStatusNotifierHostRegistered' type='" +
-            g_variant_get_type_string(hasHost_.get()) + "' access='read'/></interface></node>";
-        GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(description.c_str(), nullptr);
-        static const GDBusInterfaceVTable functions{called, read, nullptr, {}};
-        object_ = g_dbus_connection_register_object(peer_.connection(), kWatcherPath, node->interfaces[0],
-                                                    &functions, this, nullptr, nullptr);
-        g_dbus_node_info_unref(node);
-        filter_ = g_dbus_connection_add_filter(peer_.connection(), received, this, nullptr);
-        peer_.requestName(kWatcher);
-    }
-    // Calls may be on their way to it.
-    ~Watcher() {
-        g_dbus_connection_remove_filter(peer_.connection(), filter_);
-        g_dbus_connection_unregister_object(peer_.connection(), object_);
-    }
-    Watcher(const Watcher&) = delete;
-    Watcher& operator=(const Watcher&) = delete;
+    explicit Watcher(const PrivateBus& bus, const std::string& host = "true", bool isSilent = false)
+        : hasHost(host), service(bus, kWatcher, [this, isSilent](const auto& call) -> PlayedService::Answer {
+              if (isSilent) return {.isLater = true};
+              if (call.method == "Get") return {"(<" + hasHost + ">,)"};
+              return {.error = refuses ? "org.norvane.No" : ""};
+          }) {}
 
-    Texts items;
+    void emit(const char* signal) const { service.emit(kWatcherPath, kWatcher, signal, "()"); }
+
+    std::string hasHost;
     bool refuses = false;
-
-    void setHost(const std::string& hasHost) { hasHost_.reset(g_variant_ref_sink(parsed(hasHost))); }
-    void emit(const char* signal, const char* interface = kWatcher, const char* parameters = "()") const {
-        g_dbus_connection_emit_signal(peer_.connection(), nullptr, kWatcherPath, interface, signal,
-                                      parsed(parameters), nullptr);
-    }
-
- private:
-    static GVariant* parsed(const std::string& text) {
-        return g_variant_parse(nullptr, text.c_str(), nullptr, nullptr, nullptr);
-    }
-    static void called(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
-                       GVariant* arguments, GDBusMethodInvocation* invocation, gpointer self) {
-        auto* const watcher = static_cast<Watcher*>(self);
-        const gchar* item = nullptr;
-        g_variant_get(arguments, "(&s)", &item);
-        watcher->items.emplace_back(item);
-        if (watcher->refuses) {
-            g_dbus_method_invocation_return_dbus_error(invocation, "org.norvane.No", "No");
-        } else {
-            g_dbus_method_invocation_return_value(invocation, nullptr);
-        }
-    }
-    static GVariant* read(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GError**,
-                          gpointer self) {
-        return g_variant_ref(static_cast<Watcher*>(self)->hasHost_.get());
-    }
-    // On a thread of GLib's. A silent one takes what it is sent and never says a word.
-    static GDBusMessage* received(GDBusConnection*, GDBusMessage* message, gboolean isIncoming,
-                                  gpointer self) {
-        const bool isCall = g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL;
-        if (isIncoming == FALSE || !isCall || !static_cast<Watcher*>(self)->isSilent_) return message;
-        g_object_unref(message);
-        return nullptr;
-    }
-
-    const bool isSilent_;
-    GVariantPointer hasHost_;
-    guint object_ = 0;
-    guint filter_ = 0;
-    BusPeer peer_;
+    PlayedService service;
 };
 
-class NotifierWatchTest : public testing::Test {
+class NotifierWatchTest : public BusTest {
  protected:
     bool comesToBe(State state) {
         return runUntil([&] { return watch.state() == state; });
     }
 
-    PrivateBus bus;
-    LinuxMainQueue queue;
     BusConnection connection{queue, bus.address(), kAtOnce};
     NotifierWatch watch{connection, 200ms};
 };
 
 TEST_F(NotifierWatchTest, KnowsSoonWhetherThereIsAHost) {
     struct Case {
-        const char* hasHost;  // null for no watcher
+        const char* hasHost;  // "" for no watcher
         bool isSilent;
         State end;
     };
-    for (const Case& each : {Case{nullptr, false, State::absent}, Case{"true", false, State::present},
+    for (const Case& each : {Case{"", false, State::absent}, Case{"true", false, State::present},
                              Case{"false", false, State::absent}, Case{"'yes'", false, State::absent},
                              Case{"<true>", false, State::absent}, Case{"true", true, State::absent}}) {
         std::unique_ptr<Watcher> watcher;
-        if (each.hasHost != nullptr) watcher = std::make_unique<Watcher>(bus, each.hasHost, each.isSilent);
+        if (*each.hasHost != '\0') watcher = std::make_unique<Watcher>(bus, each.hasHost, each.isSilent);
         BusConnection fresh(queue, bus.address(), kAtOnce);
         const NotifierWatch other(fresh, 100ms);
         EXPECT_EQ(other.state(), State::unknown);
         EXPECT_TRUE(runUntil([&] { return other.state() != State::unknown; }));
-        EXPECT_EQ(other.state(), each.end) << (each.hasHost ? each.hasHost : "none") << each.isSilent;
+        EXPECT_EQ(other.state(), each.end) << each.hasHost << each.isSilent;
     }
 }
 
@@ -144,15 +77,13 @@ TEST_F(NotifierWatchTest, FollowsHostsWatchersAndTheBus) {
     EXPECT_TRUE(comesToBe(State::present));
     watcher->emit("StatusNotifierHostUnregistered");
     EXPECT_TRUE(comesToBe(State::absent));
-    const char* const kProperties = "org.freedesktop.DBus.Properties";
-    watcher->emit("PropertiesChanged", kProperties,
-                  "('org.kde.StatusNotifierWatcher', {'IsStatusNotifierHostRegistered': <true>}, @as [])");
+    const auto& service = watcher->service;
+    service.emitChange(kWatcherPath, kWatcher, "{'IsStatusNotifierHostRegistered': <true>}");
     EXPECT_TRUE(comesToBe(State::present));
-    watcher->emit("PropertiesChanged", kProperties,
-                  "('org.kde.StatusNotifierWatcher', @a{sv} {}, ['IsStatusNotifierHostRegistered'])");
+    service.emitChange(kWatcherPath, kWatcher, "@a{sv} {}", "['IsStatusNotifierHostRegistered']");
     EXPECT_TRUE(comesToBe(State::absent));
-    watcher->setHost("true");
-    watcher->emit("PropertiesChanged", kProperties, "('org.kde.StatusNotifierWatcher', 1)");
+    watcher->hasHost = "true";
+    service.emitChange(kWatcherPath, kWatcher, "1", "2");
     watcher->emit("StatusNotifierHostUnregistered");
     EXPECT_TRUE(comesToBe(State::present)) << "there was another host";
 
@@ -171,7 +102,6 @@ TEST_F(NotifierWatchTest, FollowsHostsWatchersAndTheBus) {
     EXPECT_TRUE(comesToBe(State::present));
     bus.kill();
     EXPECT_TRUE(comesToBe(State::absent));
-    next.reset();
     bus.start();
     next = std::make_unique<Watcher>(bus);
     EXPECT_TRUE(comesToBe(State::present));
@@ -187,19 +117,20 @@ std::vector<NotifierImage> pixels(std::uint32_t first, std::uint32_t second = 0)
     return {NotifierImage::of(surface.get())};
 }
 
-class NotifierItemTest : public testing::Test {
+class NotifierItemTest : public BusTest {
  protected:
     // Somebody's panel, which does not wait for answers. What it is answered, or "error".
     std::string asked(const std::string& name, const char* path, const char* interface, const char* method,
-                      const char* arguments) {
+                      const std::string& arguments) {
         std::string answered;
-        const auto call = panel.call(
-            {.name = name.c_str(),
-             .path = path,
-             .interface = interface,
-             .method = method,
-             .parameters = g_variant_parse(nullptr, arguments, nullptr, nullptr, nullptr)},
-            [&](GVariant* answer, const GError*) { answered = answer ? printed(answer) : "error"; });
+        const auto call = panel.call({.name = name.c_str(),
+                                      .path = path,
+                                      .interface = interface,
+                                      .method = method,
+                                      .parameters = PlayedService::parsed(arguments)},
+                                     [&](GVariant* answer, const GError*) {
+                                         answered = answer ? PlayedService::printed(answer) : "error";
+                                     });
         EXPECT_TRUE(runUntil([&] {
             time.advance(0ns);
             return !answered.empty();
@@ -207,24 +138,28 @@ class NotifierItemTest : public testing::Test {
         return answered;
     }
     std::string property(const std::string& name) {
-        const std::string arguments = std::string("('") + kItem + "', '" + name + "')";
-        return asked(kName, kItemPath, "org.freedesktop.DBus.Properties", "Get", arguments.c_str());
+        return asked(kName, kItemPath, "org.freedesktop.DBus.Properties", "Get",
+                     std::string("('") + kItem + "', '" + name + "')");
     }
     std::unique_ptr<NotifierItem> makeItem() {
-        return std::make_unique<NotifierItem>(connection, time, time, 7,
-                                              NotifierItem::Handlers{.paint =
-                                                                         [this] {
-                                                                             ++paintings;
-                                                                             return picture;
-                                                                         },
-                                                                     .activated =
-                                                                         [this](int x, int y) {
-                                                                             clicks.emplace_back(x, y);
-                                                                             clicked();
-                                                                         },
-                                                                     .registered = [this] { ++registered; },
-                                                                     .refused = [this] { ++refused; }},
-                                              200ms);
+        NotifierItem::Handlers handlers;
+        handlers.paint = [this] {
+            ++paintings;
+            return picture;
+        };
+        handlers.activated = [this](int x, int y) {
+            clicks.emplace_back(x, y);
+            clicked();
+        };
+        handlers.registered = [this] { ++registered; };
+        handlers.refused = [this] { ++refused; };
+        return std::make_unique<NotifierItem>(connection, time, time, 7, handlers, 200ms);
+    }
+    static bool comesToBeRegistered(const NotifierItem& item, bool isRegistered = true) {
+        return runUntil([&] { return item.isRegistered() == isRegistered; });
+    }
+    bool comesToBeRefused(int times) {
+        return runUntil([&] { return refused == times; });
     }
     Cancellation counting(const char* signal, int& count) {
         return panel.onSignal({.sender = nullptr, .path = kItemPath, .interface = kItem, .member = signal},
@@ -232,8 +167,6 @@ class NotifierItemTest : public testing::Test {
     }
 
     const std::string kName = "org.kde.StatusNotifierItem-" + std::to_string(getpid()) + "-7";
-    PrivateBus bus;
-    LinuxMainQueue queue;
     HandDrivenQueue time;
     BusConnection connection{queue, bus.address(), kAtOnce};
     BusConnection panel{queue, bus.address(), kAtOnce};
@@ -247,25 +180,26 @@ class NotifierItemTest : public testing::Test {
 
 TEST_F(NotifierItemTest, RegistersAtEachWatcherThatComes) {
     auto item = makeItem();
-    ASSERT_TRUE(runUntil([&] { return refused == 1; })) << "there is no watcher";
+    ASSERT_TRUE(comesToBeRefused(1)) << "there is no watcher";
     for (const int round : {1, 2}) {
-        auto watcher = std::make_unique<Watcher>(bus);
-        EXPECT_TRUE(runUntil([&] { return item->isRegistered(); }));
-        EXPECT_EQ(watcher->items, Texts{kName});
-        EXPECT_EQ(registered, round);
-        watcher.reset();
-        EXPECT_TRUE(runUntil([&] { return !item->isRegistered(); }));
+        {
+            const Watcher watcher(bus);
+            EXPECT_TRUE(comesToBeRegistered(*item));
+            EXPECT_EQ(watcher.service.argumentsOf("RegisterStatusNotifierItem"), Texts{"('" + kName + "',)"});
+            EXPECT_EQ(registered, round);
+        }
+        EXPECT_TRUE(comesToBeRegistered(*item, false));
     }
     {
         const Watcher watcher(bus);
-        ASSERT_TRUE(runUntil([&] { return item->isRegistered(); }));
+        ASSERT_TRUE(comesToBeRegistered(*item));
         const Watcher next(bus);
         bus.kill();
-        EXPECT_TRUE(runUntil([&] { return !item->isRegistered(); }));
+        EXPECT_TRUE(comesToBeRegistered(*item, false));
     }
     bus.start();
-    Watcher watcher(bus);
-    EXPECT_TRUE(runUntil([&] { return item->isRegistered(); }));
+    const Watcher watcher(bus);
+    EXPECT_TRUE(comesToBeRegistered(*item));
     EXPECT_EQ(refused, 1) << "watchers that go away refuse nothing";
     item.reset();
     EXPECT_TRUE(BusPeer(bus.address()).comesToHaveOwner(kName.c_str(), false));
@@ -275,19 +209,18 @@ TEST_F(NotifierItemTest, TellsWhenItIsRefused) {
     {
         Watcher watcher(bus);
         watcher.refuses = true;
-        std::unique_ptr<NotifierItem> item = makeItem();
-        EXPECT_TRUE(runUntil([&] { return refused == 1; }));
+        const auto item = makeItem();
+        EXPECT_TRUE(comesToBeRefused(1));
         EXPECT_FALSE(item->isRegistered());
     }
     {
         const Watcher silent(bus, "true", true);
         const auto item = makeItem();
-        EXPECT_TRUE(runUntil([&] { return refused == 2; }));
+        EXPECT_TRUE(comesToBeRefused(2));
     }
-    const BusPeer somebody(bus.address());
     const auto item = makeItem();
     const Watcher watcher(bus);
-    ASSERT_TRUE(runUntil([&] { return item->isRegistered(); }));
+    ASSERT_TRUE(comesToBeRegistered(*item));
     BusConnection other(queue, bus.address(), kAtOnce);
     bool isTold = false;
     const BusName taken(other, kName, [&](bool isOwned) {
@@ -295,7 +228,7 @@ TEST_F(NotifierItemTest, TellsWhenItIsRefused) {
         isTold = true;
     });
     EXPECT_TRUE(runUntil([&] { return isTold; }));
-    EXPECT_TRUE(somebody.hasOwner(kName.c_str()));
+    EXPECT_TRUE(BusPeer(bus.address()).hasOwner(kName.c_str()));
 }
 
 TEST_F(NotifierItemTest, ShowsItsPictureAndItsTexts) {
@@ -304,15 +237,16 @@ TEST_F(NotifierItemTest, ShowsItsPictureAndItsTexts) {
     // Opaque, and half of an orange, in the order alpha, red, green, blue.
     picture = pixels(0xFF112233, 0x80804001);
     item->setToolTip("1 < 2 & \xFF");
-    ASSERT_TRUE(runUntil([&] { return item->isRegistered(); }));
+    ASSERT_TRUE(comesToBeRegistered(*item));
     EXPECT_EQ(property("IconPixmap"), "(<[(2, 1, [byte 0xff, 0x11, 0x22, 0x33, 0x80, 0xff, 0x80, 0x02])]>,)");
     EXPECT_EQ(property("ToolTip"), "(<('', @a(iiay) [], 'Norvane', '1 &lt; 2 &amp; \uFFFD')>,)");
-    EXPECT_EQ(property("Id"), "(<'norvane'>,)");
-    EXPECT_EQ(property("Status"), "(<'Active'>,)");
-    EXPECT_EQ(property("ItemIsMenu"), "(<false>,)");
-    EXPECT_EQ(property("Menu"), "(<objectpath '/MenuBar'>,)");
-    EXPECT_EQ(property("OverlayIconPixmap"), "(<@a(iiay) []>,)");
-    EXPECT_EQ(property("WindowId"), "(<0>,)");
+    for (const auto& [name, value] : {std::pair{"Id", "'norvane'"},
+                                      {"Status", "'Active'"},
+                                      {"ItemIsMenu", "false"},
+                                      {"Menu", "objectpath '/MenuBar'"},
+                                      {"OverlayIconPixmap", "@a(iiay) []"},
+                                      {"WindowId", "0"}})
+        EXPECT_EQ(property(name), std::string("(<") + value + ">,)") << name;
     EXPECT_EQ(property("Nonsense"), "error");
     EXPECT_EQ(paintings, 1);
 }
@@ -320,7 +254,7 @@ TEST_F(NotifierItemTest, ShowsItsPictureAndItsTexts) {
 TEST_F(NotifierItemTest, TakesClicksAndNoNonsense) {
     const Watcher watcher(bus);
     auto item = makeItem();
-    ASSERT_TRUE(runUntil([&] { return item->isRegistered(); }));
+    ASSERT_TRUE(comesToBeRegistered(*item));
     const auto answer = [&](const char* method, const char* arguments) {
         return asked(kName, kItemPath, kItem, method, arguments);
     };
@@ -341,7 +275,7 @@ TEST_F(NotifierItemTest, TakesClicksAndNoNonsense) {
 TEST_F(NotifierItemTest, TellsOfChangesInMeasure) {
     const Watcher watcher(bus);
     const auto item = makeItem();
-    ASSERT_TRUE(runUntil([&] { return item->isRegistered(); }));
+    ASSERT_TRUE(comesToBeRegistered(*item));
     int icons = 0;
     int toolTips = 0;
     const auto countingIcons = counting("NewIcon", icons);
@@ -393,7 +327,6 @@ class NotifierMenuTest : public NotifierItemTest {
  protected:
     NotifierMenuTest() {
         menu.setItems({{"Op_en", [this] { done += "open "; }}, {"Quit", [this] { done += "quit "; }}});
-        EXPECT_TRUE(runUntil([&] { return connection.state() == BusConnection::State::connected; }));
         EXPECT_TRUE(runUntil([&] { return name.isOwned(); }));
     }
     std::string answer(const char* method, const char* arguments) {
@@ -451,11 +384,12 @@ TEST_F(NotifierMenuTest, RunsWhatIsClickedOn) {
 
 TEST_F(NotifierMenuTest, TellsOfOtherItems) {
     std::string told;
-    const auto following = panel.onSignal({.sender = nullptr,
-                                           .path = "/MenuBar",
-                                           .interface = "com.canonical.dbusmenu",
-                                           .member = "LayoutUpdated"},
-                                          [&](GVariant* parameters) { told += printed(parameters); });
+    const auto following =
+        panel.onSignal({.sender = nullptr,
+                        .path = "/MenuBar",
+                        .interface = "com.canonical.dbusmenu",
+                        .member = "LayoutUpdated"},
+                       [&](GVariant* parameters) { told += PlayedService::printed(parameters); });
     answer("AboutToShow", "(0,)");
     menu.setItems({{"Op_en", nullptr}, {"Quit", nullptr}});
     menu.setItems({{"\xFF", nullptr}});

@@ -1,31 +1,72 @@
 #include "platform/linux/LinuxPowerProfile.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <utility>
 
-#include "BusPeer.h"
-#include "linux/RunLoop.h"
+#include "BusTest.h"
 #include "linux/TemporaryFolder.h"
-#include "MockService.h"
-#include "platform/linux/LinuxMainQueue.h"
 #include "platform/linux/ThreadLane.h"
-#include "PrivateBus.h"
+#include "PlayedService.h"
 
 namespace norvane {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr BusConnection::Pace kAtOnce{.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms};
-constexpr MockService::Place kOldName{"net.hadess.PowerProfiles", "/net/hadess/PowerProfiles",
-                                      "net.hadess.PowerProfiles"};
-constexpr MockService::Place kNewName{"org.freedesktop.UPower.PowerProfiles",
-                                      "/org/freedesktop/UPower/PowerProfiles",
-                                      "org.freedesktop.UPower.PowerProfiles"};
 constexpr const char* kFirmwareFile = "/sys/firmware/acpi/platform_profile";
 
-class PowerProfileTest : public testing::Test {
+struct Place {
+    const char* name;
+    const char* path;
+};
+constexpr Place kOldName{"net.hadess.PowerProfiles", "/net/hadess/PowerProfiles"};
+constexpr Place kNewName{"org.freedesktop.UPower.PowerProfiles", "/org/freedesktop/UPower/PowerProfiles"};
+
+// The service that keeps the profile, in the text form of GVariant; "" where it does not know it.
+class Service {
+ public:
+    Service(const PrivateBus& bus, const Place& place, std::string profile = "'power-saver'")
+        : place_(place),
+          profile_(std::move(profile)),
+          service_(bus, place.name, [this](const auto& call) -> PlayedService::Answer {
+              EXPECT_EQ(call.arguments, std::string("('") + place_.name + "', 'ActiveProfile')");
+              if (profile_.empty()) return {.error = "org.freedesktop.DBus.Error.UnknownProperty"};
+              return {"(<" + profile_ + ">,)"};
+          }) {}
+
+    void turnTo(const std::string& profile) {
+        profile_ = profile;
+        say("{'ActiveProfile': <" + profile + ">}");
+    }
+    bool isAsked(int times) const { return service_.count("Get") == times; }
+    // Whatever it knows.
+    void say(const std::string& values, const std::string& outdated = "@as []") const {
+        service_.emitChange(place_.path, place_.name, values, outdated);
+    }
+    void sayAnything(const std::string& arguments) const {
+        service_.emit(place_.path, "org.freedesktop.DBus.Properties", "PropertiesChanged", arguments);
+    }
+
+ private:
+    const Place place_;
+    std::string profile_;
+    PlayedService service_;
+};
+
+// A lane that keeps what it is given.
+class HeldLane final : public Lane {
+ public:
+    explicit HeldLane(std::vector<Task>& tasks) : tasks_(tasks) {}
+    bool post(Task task) override {
+        tasks_.push_back(std::move(task));
+        return true;
+    }
+
+ private:
+    std::vector<Task>& tasks_;
+};
+
+class PowerProfileTest : public BusTest {
  protected:
     void SetUp() override { begin(bus.address()); }
     void TearDown() override { profile.reset(); }
@@ -33,106 +74,82 @@ class PowerProfileTest : public testing::Test {
     void begin(const std::string& address) {
         profile.reset();
         connection = std::make_unique<BusConnection>(queue, address, kAtOnce);
-        profile = std::make_unique<LinuxPowerProfile>(queue, *connection, machine.root(),
-                                                      std::make_unique<ThreadLane>("test"), isLow, 2ms);
+        beginWith(std::make_unique<ThreadLane>("test"));
+    }
+    void beginWith(std::unique_ptr<Lane> lane) {
+        profile = std::make_unique<LinuxPowerProfile>(queue, *connection, machine.root(), std::move(lane),
+                                                      isLow, 2ms);
     }
     bool comesToBe(bool low) {
         return runUntil([&] { return isLow.load() == low; });
     }
-    // The bus hands over in order: its answer comes after whatever was sent before.
-    bool hasHeardAllSignals() {
-        bool isAnswered = false;
-        const auto call = connection->call({.name = "org.freedesktop.DBus",
-                                            .path = "/org/freedesktop/DBus",
-                                            .interface = "org.freedesktop.DBus",
-                                            .method = "GetId"},
-                                           [&](GVariant*, const GError*) { isAnswered = true; });
-        return runUntil([&] { return isAnswered; });
-    }
-    bool isConnected() {
-        return runUntil([&] { return connection->state() == BusConnection::State::connected; });
-    }
 
-    PrivateBus bus;
     TemporaryFolder machine;
-    LinuxMainQueue queue;
     std::atomic<bool> isLow{false};
     std::unique_ptr<BusConnection> connection;
     std::unique_ptr<LinuxPowerProfile> profile;
 };
 
-TEST_F(PowerProfileTest, FollowsTheServiceOfTheOldNameAsItComesAndGoes) {
-    ASSERT_TRUE(isConnected());
+TEST_F(PowerProfileTest, FollowsTheServiceAsItComesAndGoesAndWithItsBus) {
+    ASSERT_TRUE(BusTest::comesToBe(*connection, BusConnection::State::connected));
     for (const int round : {1, 2}) {
-        const MockService service(bus, kOldName, "power_profiles_daemon",
-                                  R"({"ActiveProfile": "power-saver"})");
+        Service service(bus, kOldName);
         EXPECT_TRUE(comesToBe(true)) << round;
-        service.updateProperty("ActiveProfile", "'balanced'");
+        service.turnTo("'balanced'");
         EXPECT_TRUE(comesToBe(false)) << round;
-        service.updateProperty("ActiveProfile", "'power-saver'");
+        service.turnTo("'power-saver'");
         EXPECT_TRUE(comesToBe(true)) << round;
     }
     EXPECT_TRUE(comesToBe(false)) << "gone";
-}
-
-TEST_F(PowerProfileTest, AsksAServiceThatWasThereBefore) {
-    const MockService service(bus, kOldName, "power_profiles_daemon", R"({"ActiveProfile": "power-saver"})");
-    begin(bus.address());
+    {
+        const Service service(bus, kOldName);
+        begin(bus.address());
+        EXPECT_TRUE(comesToBe(true)) << "one that was there before";
+        bus.kill();
+        EXPECT_TRUE(comesToBe(false));
+    }
+    bus.start();
+    const Service service(bus, kOldName);
     EXPECT_TRUE(comesToBe(true));
 }
 
 TEST_F(PowerProfileTest, MovesFromTheOldNameToTheNewOneAndBack) {
-    const MockService old(bus, kOldName, "power_profiles_daemon", R"({"ActiveProfile": "power-saver"})");
+    Service old(bus, kOldName);
     EXPECT_TRUE(comesToBe(true));
     {
-        const MockService modern(bus, kNewName);
-        modern.addProperty("ActiveProfile", "'power-saver'");
-        modern.updateProperty("ActiveProfile", "'performance'");
+        Service modern(bus, kNewName, "'performance'");
         EXPECT_TRUE(comesToBe(false)) << "the new name comes first";
-        modern.updateProperty("ActiveProfile", "'power-saver'");
+        modern.turnTo("'power-saver'");
         EXPECT_TRUE(comesToBe(true));
-        old.updateProperty("ActiveProfile", "'balanced'");
-        modern.updateProperty("ActiveProfile", "'balanced'");
+        old.turnTo("'balanced'");
+        modern.turnTo("'balanced'");
         EXPECT_TRUE(comesToBe(false));
-        old.updateProperty("ActiveProfile", "'power-saver'");
+        old.turnTo("'power-saver'");
     }
     EXPECT_TRUE(comesToBe(true)) << "the old one is left";
 }
 
-TEST_F(PowerProfileTest, AsksAnewWhatAServiceDeclaresOutdated) {
-    const MockService service(bus, kOldName, "power_profiles_daemon", R"({"ActiveProfile": "power-saver"})");
-    EXPECT_TRUE(comesToBe(true));
-    service.emit("org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                 "[<'net.hadess.PowerProfiles'>, <{'ActiveProfile': <'balanced'>}>, <@as []>]");
-    EXPECT_TRUE(comesToBe(false));
-    service.emit("org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                 "[<'net.hadess.PowerProfiles'>, <@a{sv} {}>, <['Other', 'ActiveProfile']>]");
-    EXPECT_TRUE(comesToBe(true)) << "which the property itself still says";
-}
-
 TEST_F(PowerProfileTest, TakesNoGarbageForAProfileNorAsksTheFirmwareForIt) {
     machine.write(kFirmwareFile, "low-power\n");
-    const MockService service(bus, kNewName);
-    service.addProperty("ActiveProfile", "'balanced'");
-    service.addProperty("Other", "1");
+    Service service(bus, kNewName);
     for (const char* const garbage : {"1", "true", "['power-saver']", "''"}) {
-        service.updateProperty("ActiveProfile", "'power-saver'");
+        service.turnTo("'power-saver'");
         EXPECT_TRUE(comesToBe(true)) << garbage;
-        service.updateProperty("ActiveProfile", garbage);
+        service.turnTo(garbage);
         EXPECT_TRUE(comesToBe(false)) << garbage;
     }
-    service.updateProperty("ActiveProfile", "'power-saver'");
+    service.turnTo("'power-saver'");
     EXPECT_TRUE(comesToBe(true));
-    for (const char* const signature : {"s", "sa{sv}", "sas"}) {
-        service.emit("org.freedesktop.DBus.Properties", "PropertiesChanged", signature,
-                     std::string_view(signature) == "s" ? "[<'org.freedesktop.UPower.PowerProfiles'>]"
-                     : std::string_view(signature) == "sas"
-                         ? "[<'org.freedesktop.UPower.PowerProfiles'>, <['']>]"
-                         : "[<'org.freedesktop.UPower.PowerProfiles'>, "
-                           "<{'ActiveProfile': <'balanced'>}>]");
-    }
-    service.updateProperty("Other", "2");
-    EXPECT_TRUE(hasHeardAllSignals());
+    service.say("{'ActiveProfile': <'balanced'>}");
+    EXPECT_TRUE(comesToBe(false));
+    service.say("@a{sv} {}", "['Other', 'ActiveProfile']");
+    EXPECT_TRUE(comesToBe(true)) << "which the property itself still says";
+    const std::string name = std::string("('") + kNewName.name + "'";
+    service.sayAnything(name + ",)");
+    service.sayAnything(name + ", {'ActiveProfile': <'balanced'>})");
+    service.sayAnything(name + ", [''])");
+    service.say("{'Other': <2>}");
+    EXPECT_TRUE(hearsAll(*connection));
     EXPECT_TRUE(isLow);
 }
 
@@ -159,72 +176,46 @@ TEST_F(PowerProfileTest, ReadsTheFirmwareAgainAndAgainWhereThereIsNoService) {
         machine.remove(kFirmwareFile);
         EXPECT_TRUE(comesToBe(false));
     }
-}
-
-TEST_F(PowerProfileTest, LooksForTheFirmwareWhenTheServiceGoesAndLeavesItWhenOneComes) {
-    ASSERT_TRUE(isConnected());
     {
-        const MockService service(bus, kOldName, "power_profiles_daemon",
-                                  R"({"ActiveProfile": "power-saver"})");
-        EXPECT_TRUE(comesToBe(true));
-        service.updateProperty("ActiveProfile", "'balanced'");
-        EXPECT_TRUE(comesToBe(false));
+        const Service service(bus, kOldName, "'balanced'");
+        ASSERT_TRUE(hearsAll(*connection));
         machine.write(kFirmwareFile, "low-power\n");
     }
-    EXPECT_TRUE(comesToBe(true));
-    const MockService service(bus, kNewName);
-    service.addProperty("ActiveProfile", "'balanced'");
-    EXPECT_TRUE(comesToBe(false));
-    service.updateProperty("ActiveProfile", "'power-saver'");
-    EXPECT_TRUE(comesToBe(true));
+    EXPECT_TRUE(comesToBe(true)) << "looked for when the service has gone";
+    const Service service(bus, kNewName, "'balanced'");
+    EXPECT_TRUE(comesToBe(false)) << "and left when one comes";
 }
 
-TEST_F(PowerProfileTest, OutlivesItsBus) {
-    auto service = std::make_unique<MockService>(bus, kOldName, "power_profiles_daemon",
-                                                 R"({"ActiveProfile": "power-saver"})");
-    EXPECT_TRUE(comesToBe(true));
-    bus.kill();
-    EXPECT_TRUE(comesToBe(false));
-    service.reset();
-    bus.start();
-    service = std::make_unique<MockService>(bus, kOldName, "power_profiles_daemon",
-                                            R"({"ActiveProfile": "power-saver"})");
-    EXPECT_TRUE(comesToBe(true));
-}
-
-// A lane that remembers what it was given.
-class CountingLane final : public Lane {
- public:
-    explicit CountingLane(std::vector<Task>& tasks) : tasks_(tasks) {}
-    bool post(Task task) override {
-        tasks_.push_back(std::move(task));
-        return true;
-    }
-
- private:
-    std::vector<Task>& tasks_;
-};
-
-TEST_F(PowerProfileTest, NeedsNoLaneWhereTheFirmwareHasNoProfile) {
+TEST_F(PowerProfileTest, NeedsNoLaneWhereTheFirmwareHasNoProfileOrAServiceIsThere) {
     std::vector<Task> tasks;
-    profile = std::make_unique<LinuxPowerProfile>(queue, *connection, machine.root(),
-                                                  std::make_unique<CountingLane>(tasks), isLow, 1ms);
-    const MockService service(bus, kOldName, "power_profiles_daemon", R"({"ActiveProfile": "power-saver"})");
-    EXPECT_TRUE(comesToBe(true));
-    EXPECT_TRUE(tasks.empty());
+    beginWith(std::make_unique<HeldLane>(tasks));
+    {
+        const Service service(bus, kOldName);
+        EXPECT_TRUE(comesToBe(true));
+    }
+    EXPECT_TRUE(comesToBe(false));
+    machine.write(kFirmwareFile, "low-power\n");
+    {
+        const Service silent(bus, kOldName, "");
+        ASSERT_TRUE(hearsAll(*connection));
+        beginWith(std::make_unique<HeldLane>(tasks));
+        EXPECT_TRUE(runUntil([&] { return silent.isAsked(2); }));
+        silent.say("{'Other': <2>}");  // heard after the answer
+        ASSERT_TRUE(hearsAll(*connection));
+        EXPECT_TRUE(tasks.empty());
+    }
+    EXPECT_TRUE(runUntil([&] { return !tasks.empty(); }));
 }
 
 TEST_F(PowerProfileTest, GoesAwayWhileTheFirmwareIsBeingRead) {
     machine.write(kFirmwareFile, "low-power\n");
     std::vector<Task> tasks;
-    profile = std::make_unique<LinuxPowerProfile>(queue, *connection, machine.root(),
-                                                  std::make_unique<CountingLane>(tasks), isLow, 1ms);
+    beginWith(std::make_unique<HeldLane>(tasks));
     ASSERT_TRUE(runUntil([&] { return tasks.size() >= 2; }));
     tasks[0]();
     profile.reset();
     tasks[1]();
-    while (g_main_context_iteration(nullptr, FALSE)) {
-    }
+    turnToTheEnd();
     EXPECT_FALSE(isLow);
 }
 

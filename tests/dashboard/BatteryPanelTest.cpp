@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 #include "dashboard/BatteryExpandedView.h"
 #include "dashboard/BatteryLook.h"
 #include "insight/HealthySnapshot.h"
+#include "OddNumbers.h"
 #include "ShownElement.h"
 
 namespace norvane {
@@ -17,8 +17,6 @@ namespace {
 
 using enum Ink;
 using Milliamperes = std::optional<std::int64_t>;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(BatteryLook, HealthIsTheFullChargeOverTheDesign) {
     const Paint dimmed = Paint(primary).withOpacity(0.2);
@@ -32,13 +30,10 @@ TEST(BatteryLook, HealthIsTheFullChargeOverTheDesign) {
     };
     for (const Case& c : {Case{3'800, 5'000, "76.0%", orange, 0.76, "3800 mAh", "5000 mAh"},
                           {4'000, 5'000, "80.0%", green, 0.8, "4000 mAh", "5000 mAh"},
-                          {3'500, 5'000, "70.0%", orange, 0.7, "3500 mAh", "5000 mAh"},
                           {3'450, 5'000, "69.0%", red, 0.69, "3450 mAh", "5000 mAh"},
                           {5'200, 5'000, "100.0%", green, 1, "5200 mAh", "5000 mAh"},
                           {3'800, {}, "100.0%", green, 1, "3800 mAh", "1 mAh"},
-                          {3'800, 1, "100.0%", green, 1, "3800 mAh", "1 mAh"},
                           {{}, 5'000, "—", dimmed, 0, "0 mAh", "5000 mAh"},
-                          {0, 5'000, "—", dimmed, 0, "0 mAh", "5000 mAh"},
                           {-3, -5'000, "—", dimmed, 0, "-3 mAh", "1 mAh"}}) {
         SystemSnapshot now = healthySnapshot();
         now.batteryMaxCapacitymAh = c.max;
@@ -77,13 +72,10 @@ TEST(BatteryLook, TheTemperatureIsCutAndTurnsWarmInSteps) {
     for (const Case& c : {Case{{}, "—", "—", green, 0},
                           {kNaN, "—", "—", green, 0},
                           {-0.5, "0°C", "31°F", green, 0},
-                          {25, "25°C", "77°F", green, 0},
                           {36.9, "36°C", "98°F", green, 0.476},
                           {37, "37°C", "98°F", yellow, 0.48},
-                          {41.9, "41°C", "107°F", yellow, 0.676},
                           {42, "42°C", "107°F", orange, 0.68},
                           {47, "47°C", "116°F", red, 0.88},
-                          {50, "50°C", "122°F", red, 1},
                           {1e6, "1000000°C", "1800032°F", red, 1}}) {
         EXPECT_EQ(formatBatteryTemperature(c.degrees, TemperatureUnit::celsius), c.celsius);
         EXPECT_EQ(formatBatteryTemperature(c.degrees, TemperatureUnit::fahrenheit), c.fahrenheit);

@@ -2,36 +2,23 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
 #include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
 
-#include "platform/scripted/ScriptedMachine.h"
+#include "ShownPanel.h"
 #include "views/HostedView.h"
 
 namespace norvane {
 
-// A screen on a machine in virtual time, as the tests of what is on it need it.
-class ShownElement {
+// A screen of a fixed size on a machine of its own in virtual time, as the tests of what is on it need it.
+class ShownElement : public ShownPanel {
  public:
     // What `body` looks at outlives it.
     ShownElement(Size size, std::function<Element()> body)
-        : size_(size), view(std::move(body), machine.platform()) {}
+        : ShownPanel(machine, view, size), view(std::move(body), machine.platform()) {}
 
-    void appear() {
-        view.appear();
-        settle();
-    }
-    // Whatever follows at this moment.
-    void settle() {
-        for (int turn = 0; turn < 4; ++turn) {
-            picture();
-            machine.settle();
-        }
-        picture();
-    }
     void advance(std::chrono::nanoseconds time) {
         machine.advance(time);
         settle();
@@ -42,8 +29,6 @@ class ShownElement {
         settle();
     }
 
-    DisplayList picture() { return view.displayList(size_, machine.time.monotonic()); }
-
     // All commands of that kind in the picture, back to front, those in groups with them.
     template <typename Command>
     std::vector<Command> all() {
@@ -52,19 +37,16 @@ class ShownElement {
         return found;
     }
 
-    void click(Point at) {
-        view.pointer({PointerEvent::Kind::press, at});
-        view.pointer({PointerEvent::Kind::release, at});
-        settle();
-    }
     bool key(KeyEvent::Key key) {
         const bool meant = view.key({key});
         settle();
         return meant;
     }
+    using ShownPanel::node;
     AccessibleNode node(std::string_view name) {
-        const AccessibleNode tree = view.accessibleTree();
-        return find(tree, name).value_or(AccessibleNode{});
+        for (const AccessibleNode& node : nodes())
+            if (node.name == name) return node;
+        return {};
     }
     bool perform(std::string_view name, std::string_view action) {
         const bool isDone = view.perform(node(name).key, action);
@@ -73,6 +55,7 @@ class ShownElement {
     }
 
     ScriptedMachine machine;
+    HostedView view;
 
  private:
     template <typename Command>
@@ -82,18 +65,6 @@ class ShownElement {
             if (const auto* group = std::get_if<DrawGroup>(&item->command)) collect(group->items, found);
         }
     }
-    static std::optional<AccessibleNode> find(const AccessibleNode& node, std::string_view name) {
-        if (node.name == name) return node;
-        for (const AccessibleNode& child : node.children) {
-            if (const auto found = find(child, name)) return found;
-        }
-        return std::nullopt;
-    }
-
-    Size size_;
-
- public:
-    HostedView view;
 };
 
 }  // namespace norvane

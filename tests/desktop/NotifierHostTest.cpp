@@ -14,7 +14,7 @@
 #include "platform/linux/LinuxMonotonicClock.h"
 #include "platform/linux/NotifierWatch.h"
 #include "platform/linux/X11Properties.h"
-#include "platform/linux/X11ScreenLight.h"
+#include "windows/OwnDesk.h"
 #include "windows/SwatchContent.h"
 #include "windows/Xvfb.h"
 
@@ -33,10 +33,7 @@ class NotifierHostTest : public testing::Test {
         ASSERT_TRUE(xvfb.isRunning()) << "Xvfb does not start";
         x11 = X11Connection::open(xvfb.display().c_str());
         ASSERT_NE(x11, nullptr);
-        screen = std::make_unique<X11Screen>(*x11);
-        light = std::make_unique<X11ScreenLight>(*x11, clock, queue);
-        presses = std::make_unique<OutsidePresses>(*x11, ownWindows);
-        keyboard = std::make_unique<Keyboard>(*x11);
+        parts = std::make_unique<OwnDesk>(*x11, layouts, appearance, clock, queue);
         const std::string home = bus.folder();
         panel = std::make_unique<ChildProcess>(
             std::vector<std::string>{"xfce4-panel", "--disable-wm-check"},
@@ -55,9 +52,7 @@ class NotifierHostTest : public testing::Test {
 
     std::unique_ptr<NotifierHost> makeHost() {
         return std::make_unique<NotifierHost>(
-            Desk{*x11, *screen, *light, ownWindows, accessibleSurfaces, *presses, *keyboard, layouts, memory,
-                 appearance, clock, queue},
-            connection, 1,
+            parts->desk, connection, 1,
             NotifierHost::Handlers{
                 .clicked = [this] { ++clicks; }, .registered = [] {}, .refused = [] { ADD_FAILURE(); }});
     }
@@ -67,7 +62,7 @@ class NotifierHostTest : public testing::Test {
     }
     // Where the screen shows a square of that colour: its middle.
     std::optional<Point> found(std::uint32_t color) const {
-        const PixelRect all = screen->bounds();
+        const PixelRect all = parts->screen.bounds();
         const X11Reply<xcb_get_image_reply_t> image(
             xcb_get_image_reply(x11->get(),
                                 xcb_get_image(x11->get(), XCB_IMAGE_FORMAT_Z_PIXMAP, x11->root(), 0, 0,
@@ -94,18 +89,12 @@ class NotifierHostTest : public testing::Test {
     LinuxMainQueue queue;
     LinuxMonotonicClock clock;
     std::unique_ptr<X11Connection> x11;
-    std::unique_ptr<X11Screen> screen;
-    std::unique_ptr<X11ScreenLight> light;
-    OwnWindows ownWindows;
-    AccessibleSurfaces accessibleSurfaces;
-    std::unique_ptr<OutsidePresses> presses;
-    std::unique_ptr<Keyboard> keyboard;
     TextLayouts layouts;
-    DrawingMemory memory{layouts, queue};
     BusConnection connection{
         queue, bus.address(), {.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms}};
     Published<XSettings> xSettings;
     LinuxAppearance appearance{connection, xSettings};
+    std::unique_ptr<OwnDesk> parts;
     NotifierWatch watch{connection};
     SwatchContent content;
     std::unique_ptr<ChildProcess> panel;

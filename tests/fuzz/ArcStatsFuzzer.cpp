@@ -2,7 +2,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const auto stats = parseArcStats(text);
@@ -16,10 +15,4 @@ void check(std::string_view text) {
     require(parseArcStats(printed) == stats, "the values survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

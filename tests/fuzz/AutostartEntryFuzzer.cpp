@@ -62,6 +62,8 @@ void checkWriting(std::string_view program) {
     require(named == program, "it is the program");
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const AutostartEntry entry = AutostartEntry::parse(text);
     require(AutostartEntry::parse(amongUnknownLines(text)) == entry, "unknown lines are passed over");
@@ -76,20 +78,12 @@ void check(std::string_view text) {
     if (const KeyFile file = loaded(text)) {
         GError* failure = nullptr;
         const bool isHidden = g_key_file_get_boolean(file.get(), kGroup, "Hidden", &failure) != FALSE;
-        if (failure != nullptr) {
-            g_error_free(failure);
-        } else {
-            require(entry.isDeleted == isHidden, "others say the same of a well-formed key");
-        }
+        require(failure != nullptr || entry.isDeleted == isHidden,
+                "others say the same of a well-formed key");
+        g_clear_error(&failure);
     }
     checkWriting(text);
     checkWriting('/' + std::string(text));
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -50,6 +50,8 @@ void checkSource(const PropertyDictionary& source, bool isFirst) {
             "a battery is in order or not");
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     MachineInput machine(text);
     MonotonicInstant now{std::chrono::hours(1)};
@@ -70,10 +72,4 @@ void check(std::string_view text) {
     }
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

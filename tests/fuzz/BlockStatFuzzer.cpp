@@ -2,7 +2,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const auto stat = parseBlockStat(text);
@@ -15,10 +14,4 @@ void check(std::string_view text) {
     require(parseBlockStat(printed) == stat, "the values survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

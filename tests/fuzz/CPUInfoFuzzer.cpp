@@ -30,6 +30,8 @@ std::string hexadecimal(std::uint32_t number) {
     return "0x" + digits;
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const CPUInfo info = parseCPUInfo(text);
     require(areSame(parseCPUInfo(amongUnknownLines(text)), info), "unknown lines don't matter");
@@ -51,10 +53,4 @@ void check(std::string_view text) {
     require(areSame(parseCPUInfo(printed), info), "the names and designs survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -22,6 +22,8 @@ std::string written(const std::vector<unsigned>& processors) {
     return text + '\n';
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const auto processors = parseCPUList(text);
     if (!processors) return;
@@ -31,10 +33,4 @@ void check(std::string_view text) {
     require(parseCPUList(written(*processors)) == processors, "the list survives printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

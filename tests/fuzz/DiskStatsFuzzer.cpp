@@ -10,6 +10,8 @@ std::vector<DiskStatsLine> linesIn(std::string_view text) {
     return lines;
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const std::vector<DiskStatsLine> lines = linesIn(text);
     require(lines.size() <= lineCount(text), "a device has a line of its own");
@@ -29,10 +31,4 @@ void check(std::string_view text) {
     require(linesIn(printed) == lines, "the lines survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -47,6 +47,8 @@ std::optional<DrmFdinfo> checkParser(std::string_view text) {
     return info;
 }
 
+}  // namespace
+
 // The two halves of the text are two looks at the clients, whatever the counters did in between.
 void check(std::string_view text) {
     checkParser(text);
@@ -66,10 +68,4 @@ void check(std::string_view text) {
     look(text.substr(middle), 999);
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -35,6 +35,8 @@ std::uint64_t kibibytes(std::uint64_t bytes) {
     return bytes / 1024 + (bytes % 1024 == 0 ? 0 : 1);
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const MemInfo info = parseMemInfo(text);
     require(areSame(parseMemInfo(amongUnknownLines(text)), info), "unknown lines don't matter");
@@ -50,10 +52,4 @@ void check(std::string_view text) {
     require(areSame(parseMemInfo(printed), info), "the values survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

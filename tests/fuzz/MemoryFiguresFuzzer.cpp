@@ -29,6 +29,8 @@ void checkLevels(const MemoryFigures& figures, const std::optional<Pressure>& pr
     require(memoryPressureLevel(withRoom, pressure) <= level, "nor does room make it worse");
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const auto [memInfoText, arcStatsText, pressureText] = parts(text);
     const MemInfo info = parseMemInfo(memInfoText);
@@ -46,10 +48,4 @@ void check(std::string_view text) {
     }
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -2,7 +2,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const auto bytes = parseMmStat(text);
@@ -13,10 +12,4 @@ void check(std::string_view text) {
     require(parseMmStat("1 2 " + std::to_string(*bytes)) == bytes, "the value survives printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

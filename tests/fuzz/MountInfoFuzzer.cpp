@@ -13,6 +13,8 @@ std::string line(const Mount& mount) {
            (mount.isReadOnly ? " ro" : " rw") + '\n';
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const std::vector<Mount> mounts = parseMountInfo(text);
     require(mounts.size() <= lineCount(text), "a mount has a line of its own");
@@ -31,10 +33,4 @@ void check(std::string_view text) {
     require(parseMountInfo(printed) == mounts, "the mounts survive printing, and none covers another");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -5,7 +5,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const std::string markup = escapedMarkup(text);
@@ -36,10 +35,4 @@ void check(std::string_view text) {
     }
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

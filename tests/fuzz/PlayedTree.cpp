@@ -30,43 +30,29 @@ Element PlayedTree::body() {
 }
 
 void PlayedTree::step() {
-    switch (choices_.below(16)) {
-        case 0:
-        case 1:
-        case 2:
-        case 3:
-            if (const auto animation = maker_.animation()) {
-                view_.animate(*animation, [this] { maker_.change(plan_); });
-            } else {
-                view_.change([this] { maker_.change(plan_); });
-            }
-            break;
-        case 4:
-        case 5:
-            point();
-            break;
-        case 6:
-            type();
-            break;
-        case 7:
-            if (choices_.below(4) == 0) {
-                machine_.appearance.setDark(!machine_.appearance.isDark());
-            } else {
-                performAny(view_.accessibleTree());
-            }
-            break;
-        case 8:
-            if (!isShown_ || choices_.below(3) == 0) {
-                closeOrOpen();
-            } else {
-                most_ = {100 + choices_.fraction() * 120, 60 + choices_.fraction() * 120};
-            }
-            break;
-        default: {
-            const double milliseconds = choices_.fraction() * 300;
-            const bool isTime = milliseconds >= 0 && milliseconds < 1e7;
-            machine_.advance(std::chrono::microseconds(isTime ? std::llround(milliseconds * 1000) : 0));
+    const unsigned what = choices_.below(16);
+    if (what < 4) {
+        if (const auto animation = maker_.animation()) {
+            view_.animate(*animation, [this] { maker_.change(plan_); });
+        } else {
+            view_.change([this] { maker_.change(plan_); });
         }
+    } else if (what < 6) {
+        point();
+    } else if (what == 6) {
+        type();
+    } else if (what == 7 && choices_.below(4) == 0) {
+        machine_.appearance.setDark(!machine_.appearance.isDark());
+    } else if (what == 7) {
+        performAny(view_.accessibleTree());
+    } else if (what == 8 && (!isShown_ || choices_.below(3) == 0)) {
+        closeOrOpen();
+    } else if (what == 8) {
+        most_ = {100 + choices_.fraction() * 120, 60 + choices_.fraction() * 120};
+    } else {
+        const double milliseconds = choices_.fraction() * 300;
+        const bool isTime = milliseconds >= 0 && milliseconds < 1e7;
+        machine_.advance(std::chrono::microseconds(isTime ? std::llround(milliseconds * 1000) : 0));
     }
     machine_.settle();
 }
@@ -92,25 +78,14 @@ void PlayedTree::happened(unsigned what) {
 }
 
 void PlayedTree::point() {
-    const Point at = anywhere();
-    switch (choices_.below(6)) {
-        case 0:
-        case 1:
-            view_.pointer({PointerEvent::Kind::move, at});
-            break;
-        case 2:
-            view_.pointer({PointerEvent::Kind::leave, {}});
-            break;
-        case 3:
-            view_.pointer({PointerEvent::Kind::press, at});
-            break;
-        case 4:
-            view_.pointer({PointerEvent::Kind::press, at});
-            view_.pointer({PointerEvent::Kind::release, at});
-            break;
-        default:
-            view_.pointer({PointerEvent::Kind::scroll, at, {0, choices_.fraction() * 80 - 20}});
-    }
+    using Kind = PointerEvent::Kind;
+    const Point at{choices_.fraction() * most_.width, choices_.fraction() * most_.height};
+    const unsigned what = choices_.below(6);
+    if (what < 2) view_.pointer({Kind::move, at});
+    if (what == 2) view_.pointer({Kind::leave, {}});
+    if (what == 3 || what == 4) view_.pointer({Kind::press, at});
+    if (what == 4) view_.pointer({Kind::release, at});
+    if (what == 5) view_.pointer({Kind::scroll, at, {0, choices_.fraction() * 80 - 20}});
 }
 
 void PlayedTree::type() {
@@ -136,10 +111,6 @@ void PlayedTree::performAny(const AccessibleNode& node) {
     }
     if (node.children.empty()) return;
     performAny(node.children[choices_.below(static_cast<unsigned>(node.children.size()))]);
-}
-
-Point PlayedTree::anywhere() {
-    return {choices_.fraction() * most_.width, choices_.fraction() * most_.height};
 }
 
 }  // namespace norvane

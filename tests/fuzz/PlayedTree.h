@@ -33,7 +33,6 @@ class PlayedTree {
     void type();
     void closeOrOpen();
     void performAny(const AccessibleNode& node);
-    Point anywhere();
 
     Choices& choices_;
     TreeMaker maker_;

@@ -5,7 +5,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const auto properties = parsePowerSupplyUevent(text).properties;
@@ -31,10 +30,4 @@ void check(std::string_view text) {
     require(parsePowerSupplyUevent(printed).properties == properties, "the properties survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

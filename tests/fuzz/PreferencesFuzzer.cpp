@@ -1,4 +1,5 @@
 #include <cmath>
+#include <tuple>
 
 #include "platform/linux/DefaultsFile.h"
 #include "platform/scripted/ScriptedDispatch.h"
@@ -11,42 +12,12 @@
 namespace norvane {
 namespace {
 
-struct Choices {
-    TemperatureUnit temperatureUnit;
-    MenuBarIconMode menuBarIconMode;
-    bool isSmartAutoExpandEnabled;
-    InsightVerbosity insightVerbosity;
-    bool sustainedLoadNotificationsEnabled;
-    bool storageAlertEnabled;
-    double storageAlertThresholdGB;
-    bool batteryAlertEnabled;
-    double batteryAlertThresholdPct;
-
-    bool operator==(const Choices&) const = default;
-};
-
-Choices choicesIn(const PreferencesStore& store) {
-    return {store.temperatureUnit(),
-            store.menuBarIconMode(),
-            store.isSmartAutoExpandEnabled(),
-            store.insightVerbosity(),
-            store.sustainedLoadNotificationsEnabled(),
-            store.storageAlertEnabled(),
-            store.storageAlertThresholdGB(),
-            store.batteryAlertEnabled(),
-            store.batteryAlertThresholdPct()};
-}
-
-void choose(PreferencesStore& store, const Choices& choices) {
-    store.setTemperatureUnit(choices.temperatureUnit);
-    store.setMenuBarIconMode(choices.menuBarIconMode);
-    store.setIsSmartAutoExpandEnabled(choices.isSmartAutoExpandEnabled);
-    store.setInsightVerbosity(choices.insightVerbosity);
-    store.setSustainedLoadNotificationsEnabled(choices.sustainedLoadNotificationsEnabled);
-    store.setStorageAlertEnabled(choices.storageAlertEnabled);
-    store.setStorageAlertThresholdGB(choices.storageAlertThresholdGB);
-    store.setBatteryAlertEnabled(choices.batteryAlertEnabled);
-    store.setBatteryAlertThresholdPct(choices.batteryAlertThresholdPct);
+// All that can be chosen.
+auto choicesIn(const PreferencesStore& store) {
+    return std::tuple(store.temperatureUnit(), store.menuBarIconMode(), store.insightVerbosity(),
+                      store.isSmartAutoExpandEnabled(), store.sustainedLoadNotificationsEnabled(),
+                      store.storageAlertEnabled(), store.storageAlertThresholdGB(),
+                      store.batteryAlertEnabled(), store.batteryAlertThresholdPct());
 }
 
 // A bare number and the same digits as a text mean the same.
@@ -64,6 +35,8 @@ void checkValue(const DefaultsValue& value) {
     }
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     ScriptedTime time;
     ScriptedLoop loop(time);
@@ -80,25 +53,24 @@ void check(std::string_view text) {
             "what an earlier version stored is gone");
     require(hadLegacy || (defaults.written.empty() && defaults.removed.empty()), "reading writes nothing");
 
-    const Choices choices = choicesIn(store);
-    require(static_cast<std::size_t>(choices.temperatureUnit) < 2 &&
-                static_cast<std::size_t>(choices.menuBarIconMode) < 2 &&
-                static_cast<std::size_t>(choices.insightVerbosity) < 2,
+    const auto choices = choicesIn(store);
+    require(static_cast<std::size_t>(store.temperatureUnit()) < 2 &&
+                static_cast<std::size_t>(store.menuBarIconMode()) < 2 &&
+                static_cast<std::size_t>(store.insightVerbosity()) < 2,
             "a choice is one of those that there are");
-    require(std::isfinite(choices.storageAlertThresholdGB) && std::isfinite(choices.batteryAlertThresholdPct),
+    require(std::isfinite(store.storageAlertThresholdGB()) && std::isfinite(store.batteryAlertThresholdPct()),
             "thresholds are finite");
 
     defaults.written.clear();
     const PreferencesStore another(defaults);
     require(defaults.written.empty() && choicesIn(another) == choices, "carrying over happens once");
-    choose(store, choices);
-    require(choicesIn(store) == choices, "what was chosen is read back");
+    store.setTemperatureUnit(store.temperatureUnit());
+    store.setMenuBarIconMode(store.menuBarIconMode());
+    store.setInsightVerbosity(store.insightVerbosity());
+    store.setStorageAlertThresholdGB(store.storageAlertThresholdGB());
+    store.setBatteryAlertThresholdPct(store.batteryAlertThresholdPct());
+    require(choicesIn(store) == choices && choicesIn(PreferencesStore(defaults)) == choices,
+            "what was chosen is read back");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -9,6 +9,8 @@ std::string share(std::uint64_t hundredths) {
     return std::to_string(hundredths / 100) + (rest < 10 ? ".0" : ".") + std::to_string(rest);
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const auto pressure = parsePressure(text);
     require(parsePressure(amongUnknownLines(text)) == pressure, "unknown lines don't matter");
@@ -21,10 +23,4 @@ void check(std::string_view text) {
     require(parsePressure(printed) == pressure, "the shares survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

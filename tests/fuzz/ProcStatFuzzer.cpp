@@ -17,6 +17,8 @@ std::string line(const std::string& name, const CPUTicks& ticks) {
     return text + '\n';
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const auto machine = parseMachineTicks(text);
     const std::vector<ProcessorTicks> processors = processorsIn(text);
@@ -35,10 +37,4 @@ void check(std::string_view text) {
     require(processorsIn(printed) == processors, "the processors survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

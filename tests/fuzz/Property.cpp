@@ -1,6 +1,8 @@
 #include "Property.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -19,10 +21,6 @@ void require(bool holds, const char* property) {
     std::abort();
 }
 
-std::string_view textOf(const std::uint8_t* data, std::size_t size) {
-    return {reinterpret_cast<const char*>(data), size};
-}
-
 std::string amongUnknownLines(std::string_view text) {
     return std::string(kUnknownLines) + beforeUnknownLines(text);
 }
@@ -34,22 +32,8 @@ std::string beforeUnknownLines(std::string_view text) {
 std::string withBlanksEscaped(std::string_view path) {
     std::string result;
     for (const char byte : path) {
-        switch (byte) {
-            case ' ':
-                result += "\\040";
-                break;
-            case '\t':
-                result += "\\011";
-                break;
-            case '\n':
-                result += "\\012";
-                break;
-            case '\\':
-                result += "\\134";
-                break;
-            default:
-                result += byte;
-        }
+        const std::size_t which = std::string_view(" \t\n\\").find(byte);
+        result += which < 4 ? std::array{"\\040", "\\011", "\\012", "\\134"}[which] : std::string(1, byte);
     }
     return result;
 }
@@ -64,3 +48,8 @@ std::size_t lineCount(std::string_view text) {
 }
 
 }  // namespace norvane
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    norvane::check({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,8 +12,8 @@ namespace norvane {
 // Says which property is broken and ends the program, unless it holds.
 void require(bool holds, const char* property);
 
-// The bytes as text. Nothing follows them, so that reading beyond them is noticed.
-std::string_view textOf(const std::uint8_t* data, std::size_t size);
+// The target's own. Nothing follows the bytes, so that reading beyond them is noticed.
+void check(std::string_view text);
 
 // The text and lines that no kernel writes: before it, and after it on lines of their own. Any parser of
 // lines must pass over them.

@@ -9,6 +9,8 @@ std::string kibibytes(std::uint64_t bytes) {
     return std::to_string(bytes / 1024 + (bytes % 1024 == 0 ? 0 : 1));
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     std::vector<SwapArea> areas{{1, 2, 3}};  // left over from an earlier reading
     const bool isTable = parseSwaps(text, areas);
@@ -28,10 +30,4 @@ void check(std::string_view text) {
     require(parseSwaps(printed, again) && again == areas, "the areas survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -58,35 +58,25 @@ TreePlan::Kind TreeMaker::kind(int depth) {
 void TreeMaker::change(TreePlan& tree) {
     const auto number = choices_.below(static_cast<unsigned>(tree.count()));
     TreePlan& plan = tree.at(number);
-    switch (choices_.below(8)) {
-        case 0:
-        case 1:
-            plan.numbers[choices_.below(static_cast<unsigned>(plan.numbers.size()))] = choices_.fraction();
-            break;
-        case 2:
-            plan.choices[choices_.below(static_cast<unsigned>(plan.choices.size()))] = choices_.below(64);
-            break;
-        case 3:
-            plan.words = choices_.words();
-            break;
-        case 4: {
-            int most = std::max(1, std::min(12, kMostThings - static_cast<int>(tree.count())));
-            plan = this->tree(number == 0 ? 0 : 3, most);
-            break;
-        }
-        case 5:
-            plan.transition = choices_.below(7);
-            break;
-        default: {
-            // Coming and going is what lists are for.
-            const std::size_t all = tree.count();
-            for (std::size_t i = 0; i < all; ++i) {
-                TreePlan& list = tree.at((number + i) % all);
-                if (!list.isList()) continue;
-                changeMembers(list);
-                break;
-            }
-        }
+    const unsigned what = choices_.below(8);
+    if (what < 2) {
+        plan.numbers[choices_.below(static_cast<unsigned>(plan.numbers.size()))] = choices_.fraction();
+    } else if (what == 2) {
+        plan.choices[choices_.below(static_cast<unsigned>(plan.choices.size()))] = choices_.below(64);
+    } else if (what == 3) {
+        plan.words = choices_.words();
+    } else if (what == 4) {
+        int most = std::max(1, std::min(12, kMostThings - static_cast<int>(tree.count())));
+        plan = this->tree(number == 0 ? 0 : 3, most);
+    } else if (what == 5) {
+        plan.transition = choices_.below(7);
+    } else {
+        // Coming and going is what lists are for.
+        const std::size_t all = tree.count();
+        std::size_t at = number;
+        while (at < number + all && !tree.at(at % all).isList())
+            ++at;
+        if (at < number + all) changeMembers(tree.at(at % all));
     }
 }
 
@@ -111,23 +101,14 @@ void TreeMaker::changeMembers(TreePlan& list) {
 
 std::optional<Animation> TreeMaker::animation() {
     const double seconds = choices_.fraction();
-    switch (choices_.below(9)) {
-        case 0:
-        case 1:
-            return std::nullopt;
-        case 2:
-            return Animation::linear(seconds);
-        case 3:
-            return Animation::easeOut(seconds);
-        case 4:
-            return Animation::easeInOut(seconds);
-        case 5:
-            return Animation::easeInOut(seconds).foreverThereAndBack();
-        case 6:
-            return Animation::linear(seconds).forever();
-        default:
-            return Animation::spring(seconds, choices_.fraction());
-    }
+    const unsigned which = choices_.below(9);
+    if (which < 2) return std::nullopt;
+    if (which == 2) return Animation::linear(seconds);
+    if (which == 3) return Animation::easeOut(seconds);
+    if (which == 4) return Animation::easeInOut(seconds);
+    if (which == 5) return Animation::easeInOut(seconds).foreverThereAndBack();
+    if (which == 6) return Animation::linear(seconds).forever();
+    return Animation::spring(seconds, choices_.fraction());
 }
 
 }  // namespace norvane

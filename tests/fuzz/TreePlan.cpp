@@ -38,83 +38,59 @@ class Making {
     using Kind = TreePlan::Kind;
 
     Element bare() const {
-        switch (plan_.kind) {
-            case Kind::text:
-                return text(plan_.words, textStyle(), paint(0));
-            case Kind::symbol:
-                return symbol(kSymbols[choice(1) % kSymbols.size()], textStyle().font, paint(0));
-            case Kind::image:
-                return image(kImages[choice(1) % kImages.size()], {number(0) * 40, number(1) * 40});
-            case Kind::shape: {
-                Element made = shape(outline(), shapeStyle());
-                if (choice(5) % 4 == 0) return made;
-                return std::move(made).frame({.width = number(0) * 60, .height = number(1) * 40});
-            }
-            case Kind::spacer:
-                return spacer(number(0) * 10);
-            case Kind::divider:
-                return divider();
-            case Kind::prominentButton:
-                return prominentButton(plan_.words, number(0) * 80, color(1), happening());
-            case Kind::none:
-                return Element::none();
-            case Kind::row:
-                return hstack(stackOptions(), members());
-            case Kind::column:
-                return vstack(stackOptions(), members());
-            case Kind::depth:
-                return zstack({.horizontal = alignment(0), .vertical = alignment(1)}, members());
-            case Kind::grid:
-                return grid({.columns = static_cast<int>(choice(0) % 6) - 1,
-                             .columnSpacing = number(0) * 6,
-                             .rowSpacing = number(1) * 6,
-                             .alignment = alignment(1)},
-                            members());
-            case Kind::scroll:
-                return scrollArea(member(0), number(0) * 60);
-            case Kind::button:
-                return button(plan_.words, member(0), happening(),
-                              {.radius = number(0) * 8, .isEnabled = choice(0) % 5 != 4});
-            case Kind::component:
-                return component();
-            default:
-                return wrapped(member(0));
+        const Kind kind = plan_.kind;
+        if (kind == Kind::text) return text(plan_.words, textStyle(), paint(0));
+        if (kind == Kind::symbol)
+            return symbol(kSymbols[choice(1) % kSymbols.size()], textStyle().font, paint(0));
+        if (kind == Kind::image)
+            return image(kImages[choice(1) % kImages.size()], {number(0) * 40, number(1) * 40});
+        if (kind == Kind::shape) {
+            Element made = shape(outline(), shapeStyle());
+            if (choice(5) % 4 == 0) return made;
+            return std::move(made).frame({.width = number(0) * 60, .height = number(1) * 40});
         }
+        if (kind == Kind::spacer) return spacer(number(0) * 10);
+        if (kind == Kind::divider) return divider();
+        if (kind == Kind::prominentButton)
+            return prominentButton(plan_.words, number(0) * 80, color(1), happening());
+        if (kind == Kind::none) return Element::none();
+        if (kind == Kind::row) return hstack(stackOptions(), members());
+        if (kind == Kind::column) return vstack(stackOptions(), members());
+        if (kind == Kind::depth)
+            return zstack({.horizontal = alignment(0), .vertical = alignment(1)}, members());
+        if (kind == Kind::grid)
+            return grid({.columns = static_cast<int>(choice(0) % 6) - 1,
+                         .columnSpacing = number(0) * 6,
+                         .rowSpacing = number(1) * 6,
+                         .alignment = alignment(1)},
+                        members());
+        if (kind == Kind::scroll) return scrollArea(member(0), number(0) * 60);
+        if (kind == Kind::button)
+            return button(plan_.words, member(0), happening(),
+                          {.radius = number(0) * 8, .isEnabled = choice(0) % 5 != 4});
+        if (kind == Kind::component) return component();
+        return wrapped(member(0));
     }
 
     Element wrapped(Element inner) const {
-        switch (plan_.kind) {
-            case Kind::padding:
-                return std::move(inner).padding({number(0) * 8, number(1) * 8, number(2) * 8, number(3) * 8});
-            case Kind::frame:
-                return std::move(inner).frame(frameSize());
-            case Kind::background:
-                return std::move(inner).background(member(1));
-            case Kind::overlay:
-                return std::move(inner).overlay(member(1));
-            case Kind::opacity:
-                return std::move(inner).opacity(number(0) * 1.2);
-            case Kind::offset:
-                return std::move(inner).offset({number(0) * 40 - 20, number(1) * 40 - 20});
-            case Kind::scaled:
-                return std::move(inner).scaled(0.4 + number(0));
-            case Kind::clipped:
-                return std::move(inner).clipped(number(0) * 12);
-            case Kind::condensed:
-                return std::move(inner).condensedToFit();
-            case Kind::hover:
-                return std::move(inner).onHover([handler = handler_, what = choice(0)](bool isOver) {
-                    handler(what + (isOver ? 1 : 0));
-                });
-            case Kind::appear:
-                return std::move(inner).onAppear(happening());
-            case Kind::change:
-                return std::move(inner).onChange(choice(1), happening());
-            case Kind::told:
-                return std::move(inner).accessible(told());
-            default:
-                return std::move(inner).accessibleHidden();
-        }
+        const Kind kind = plan_.kind;
+        if (kind == Kind::padding)
+            return std::move(inner).padding({number(0) * 8, number(1) * 8, number(2) * 8, number(3) * 8});
+        if (kind == Kind::frame) return std::move(inner).frame(frameSize());
+        if (kind == Kind::background) return std::move(inner).background(member(1));
+        if (kind == Kind::overlay) return std::move(inner).overlay(member(1));
+        if (kind == Kind::opacity) return std::move(inner).opacity(number(0) * 1.2);
+        if (kind == Kind::offset) return std::move(inner).offset({number(0) * 40 - 20, number(1) * 40 - 20});
+        if (kind == Kind::scaled) return std::move(inner).scaled(0.4 + number(0));
+        if (kind == Kind::clipped) return std::move(inner).clipped(number(0) * 12);
+        if (kind == Kind::condensed) return std::move(inner).condensedToFit();
+        if (kind == Kind::hover)
+            return std::move(inner).onHover(
+                [handler = handler_, what = choice(0)](bool isOver) { handler(what + (isOver ? 1 : 0)); });
+        if (kind == Kind::appear) return std::move(inner).onAppear(happening());
+        if (kind == Kind::change) return std::move(inner).onChange(choice(1), happening());
+        if (kind == Kind::told) return std::move(inner).accessible(told());
+        return std::move(inner).accessibleHidden();
     }
 
     // Counts its presses, and shows what is inside of it after every other one.
@@ -185,23 +161,16 @@ class Making {
     }
 
     Outline outline() const {
-        switch (choice(0) % 6) {
-            case 0:
-                return Outline::rectangle();
-            case 1:
-                return Outline::roundedRectangle(
-                    number(2) * 14, choice(1) % 2 == 0 ? CornerStyle::circular : CornerStyle::continuous);
-            case 2:
-                return Outline::capsule();
-            case 3:
-                return Outline::circle();
-            case 4:
-                return Outline::arc(number(2) - 0.3, number(3) * 1.4);
-            default:
-                return Outline::of(std::make_shared<const Path>(
-                    Path{{Path::MoveTo{{0, number(2) * 20}}, Path::LineTo{{number(3) * 30, number(4) * 20}},
-                          Path::CurveTo{{20, number(5) * 20}, {25, -4}, {number(6) * 40, 10}}}}));
-        }
+        const unsigned which = choice(0) % 6;
+        if (which == 0) return Outline::rectangle();
+        const auto corners = choice(1) % 2 == 0 ? CornerStyle::circular : CornerStyle::continuous;
+        if (which == 1) return Outline::roundedRectangle(number(2) * 14, corners);
+        if (which == 2) return Outline::capsule();
+        if (which == 3) return Outline::circle();
+        if (which == 4) return Outline::arc(number(2) - 0.3, number(3) * 1.4);
+        return Outline::of(std::make_shared<const Path>(
+            Path{{Path::MoveTo{{0, number(2) * 20}}, Path::LineTo{{number(3) * 30, number(4) * 20}},
+                  Path::CurveTo{{20, number(5) * 20}, {25, -4}, {number(6) * 40, 10}}}}));
     }
 
     FillStyle fillStyle(std::size_t index) const {
@@ -234,22 +203,14 @@ class Making {
     }
 
     Transition transition() const {
-        switch (plan_.transition % 7) {
-            case 0:
-                return Transition::opacity();
-            case 1:
-                return Transition::none();
-            case 2:
-                return Transition::move(Edge::top);
-            case 3:
-                return Transition::move(Edge::leading);
-            case 4:
-                return Transition::move(Edge::bottom);
-            case 5:
-                return Transition::move(Edge::trailing).withOpacity();
-            default:
-                return Transition::move(Edge::top).withOpacity();
-        }
+        const std::array kinds{Transition::opacity(),
+                               Transition::none(),
+                               Transition::move(Edge::top),
+                               Transition::move(Edge::leading),
+                               Transition::move(Edge::bottom),
+                               Transition::move(Edge::trailing).withOpacity(),
+                               Transition::move(Edge::top).withOpacity()};
+        return kinds[plan_.transition % kinds.size()];
     }
 
     Accessible told() const {

@@ -18,6 +18,8 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const UdevData data = parseUdevData(text);
     require(parseUdevData(amongUnknownLines(text)) == data, "unknown lines don't matter");
@@ -31,10 +33,4 @@ void check(std::string_view text) {
     require(parseUdevData(printed) == data, "the data survives printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -2,7 +2,6 @@
 #include "Property.h"
 
 namespace norvane {
-namespace {
 
 void check(std::string_view text) {
     const auto options = parseUtab(text);
@@ -17,10 +16,4 @@ void check(std::string_view text) {
     require(parseUtab(printed) == options, "the options survive printing");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <set>
 
@@ -42,24 +41,18 @@ class ByteChoices final : public Choices {
         return byte < kOrdinary ? byte / 200.0 : kHostileNumbers[(byte - kOrdinary) % kHostileNumbers.size()];
     }
     std::string words() override {
-        switch (const unsigned kind = next(); kind) {
-            case 0:
-                return "";
-            case 1: {
-                std::string enormous;
-                for (int i = 0; i < 2000; ++i)
-                    enormous += i % 50 == 0 ? "end\n" : "enormous ";
-                return enormous;
-            }
-            case 2:
-                return std::string(9000, 'x');
-            case 3:
-                return "\xD8\xA7\xD9\x84\xD8\xB0\xD8\xA7\xD9\x83\xD8\xB1\xD8\xA9 42 \xE2\x80\xAE abc";
-            case 4:
-                return "\xFF\xFE\xC3 \xED\xA0\x80\x01\x7F\t\r\n\xF4\x90\x80\x80";
-            default:
-                return kind < 128 ? "Memory 42 %" : taken(kind - 128);
+        const unsigned kind = next();
+        if (kind == 0) return "";
+        if (kind == 1) {
+            std::string enormous;
+            for (int i = 0; i < 2000; ++i)
+                enormous += i % 50 == 0 ? "end\n" : "enormous ";
+            return enormous;
         }
+        if (kind == 2) return std::string(9000, 'x');
+        if (kind == 3) return "\xD8\xA7\xD9\x84\xD8\xB0\xD8\xA7\xD9\x83\xD8\xB1\xD8\xA9 42 \xE2\x80\xAE abc";
+        if (kind == 4) return "\xFF\xFE\xC3 \xED\xA0\x80\x01\x7F\t\r\n\xF4\x90\x80\x80";
+        return kind < 128 ? "Memory 42 %" : taken(kind - 128);
     }
     bool isOver() const override { return bytes_.empty(); }
 
@@ -126,6 +119,8 @@ void paint(CairoPainter& painter, const DisplayList& list) {
     require(cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS, "painting leaves the pixels usable");
 }
 
+}  // namespace
+
 void check(std::string_view bytes) {
     ByteChoices choices(bytes);
     PlayedTree tree(choices);
@@ -143,15 +138,9 @@ void check(std::string_view bytes) {
     }
 }
 
-}  // namespace
 }  // namespace norvane
 
 // The font system keeps its tables for the life of the process and does not point at all of them.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libfontconfig";
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
 }

@@ -13,6 +13,8 @@ bool isOneOf(const std::vector<Mount>& table, const Mount& mount) {
     return std::find(table.begin(), table.end(), mount) != table.end();
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const MachineInput machine(text);
     const auto mounts = readVolumeMounts(machine.root());
@@ -48,10 +50,4 @@ void check(std::string_view text) {
             "there is one root at most");
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -46,6 +46,8 @@ std::string afterAnUnknownSetting(std::string_view text) {
     return bytes.insert(kRecords, integer("Some/Thing", 0, isBigEndian));
 }
 
+}  // namespace
+
 void check(std::string_view text) {
     const XSettings settings = parseXSettings(text);
     const auto has = [text](std::string_view words) { return text.find(words) != std::string_view::npos; };
@@ -65,10 +67,4 @@ void check(std::string_view text) {
     }
 }
 
-}  // namespace
 }  // namespace norvane
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    norvane::check(norvane::textOf(data, size));
-    return 0;
-}

@@ -25,105 +25,10 @@ const std::map<std::string, std::set<std::string>> kPermitted = {
 // The only folder that may know the operating system and its libraries.
 constexpr const char* kSystemFolder = "platform/linux";
 
-const std::set<std::string> kStandardHeaders = {
-    "algorithm",
-    "any",
-    "array",
-    "atomic",
-    "barrier",
-    "bit",
-    "bitset",
-    "cassert",
-    "cctype",
-    "cerrno",
-    "cfenv",
-    "cfloat",
-    "charconv",
-    "chrono",
-    "cinttypes",
-    "climits",
-    "clocale",
-    "cmath",
-    "codecvt",
-    "compare",
-    "complex",
-    "concepts",
-    "condition_variable",
-    "coroutine",
-    "csetjmp",
-    "csignal",
-    "cstdarg",
-    "cstddef",
-    "cstdint",
-    "cstdio",
-    "cstdlib",
-    "cstring",
-    "ctime",
-    "cuchar",
-    "cwchar",
-    "cwctype",
-    "deque",
-    "exception",
-    "execution",
-    "filesystem",
-    "format",
-    "forward_list",
-    "fstream",
-    "functional",
-    "future",
-    "initializer_list",
-    "iomanip",
-    "ios",
-    "iosfwd",
-    "iostream",
-    "istream",
-    "iterator",
-    "latch",
-    "limits",
-    "list",
-    "locale",
-    "map",
-    "memory",
-    "memory_resource",
-    "mutex",
-    "new",
-    "numbers",
-    "numeric",
-    "optional",
-    "ostream",
-    "queue",
-    "random",
-    "ranges",
-    "ratio",
-    "regex",
-    "scoped_allocator",
-    "semaphore",
-    "set",
-    "shared_mutex",
-    "source_location",
-    "span",
-    "sstream",
-    "stack",
-    "stdexcept",
-    "stop_token",
-    "streambuf",
-    "string",
-    "string_view",
-    "syncstream",
-    "system_error",
-    "thread",
-    "tuple",
-    "type_traits",
-    "typeindex",
-    "typeinfo",
-    "unordered_map",
-    "unordered_set",
-    "utility",
-    "valarray",
-    "variant",
-    "vector",
-    "version",
-};
+// The headers of the standard library are those that have no ending.
+bool isStandard(const std::string& header) {
+    return header.find_first_of("./") == std::string::npos;
+}
 
 // "platform/linux" for "platform/linux/Lane.h", nothing for "main.cpp".
 std::string folderOf(const std::string& file) {
@@ -151,7 +56,7 @@ std::optional<std::string> objectionTo(const Include& include, const std::set<st
     if (include.target.empty()) return "names no file";
     if (!include.isQuoted) {
         if (files.contains(include.target)) return "is ours: write it in quotes";
-        if (from == kSystemFolder || kStandardHeaders.contains(include.target)) return std::nullopt;
+        if (from == kSystemFolder || isStandard(include.target)) return std::nullopt;
         return "is no header of the standard library";
     }
     if (!files.contains(include.target)) return "is not in src/; paths are written from there";
@@ -164,36 +69,20 @@ std::optional<std::string> objectionTo(const Include& include, const std::set<st
     return from + " may not know " + (to.empty() ? "main" : to);
 }
 
-std::vector<std::string> circleIn(const std::map<std::string, std::set<std::string>>& includedBy) {
-    enum class State { unseen, onTheWay, done };
-    struct Walk {
-        const std::map<std::string, std::set<std::string>>& edges;
-        std::map<std::string, State> states{};
-        std::vector<std::string> way{};
-
-        // Whether a circle was found; it is then the end of the way.
-        bool visit(const std::string& file) {
-            State& state = states[file];
-            if (state == State::done) return false;
-            way.push_back(file);
-            if (state == State::onTheWay) return true;
-            state = State::onTheWay;
-            if (const auto found = edges.find(file); found != edges.end()) {
-                for (const std::string& next : found->second) {
-                    if (visit(next)) return true;
-                }
-            }
-            states[file] = State::done;
-            way.pop_back();
-            return false;
-        }
+std::set<std::string> filesInCircles(std::map<std::string, std::set<std::string>> included) {
+    const auto leadsOn = [&](const auto& file) {
+        return std::any_of(file.second.begin(), file.second.end(),
+                           [&](const std::string& next) { return included.contains(next); });
     };
-    Walk walk{includedBy};
-    for (const auto& [file, included] : includedBy) {
-        if (!walk.visit(file)) continue;
-        return {std::find(walk.way.begin(), walk.way.end(), walk.way.back()), walk.way.end()};
+    for (;;) {
+        const auto end = std::find_if_not(included.begin(), included.end(), leadsOn);
+        if (end == included.end()) break;
+        included.erase(end);
     }
-    return {};
+    std::set<std::string> left;
+    for (const auto& [file, others] : included)
+        left.insert(file);
+    return left;
 }
 
 }  // namespace norvane

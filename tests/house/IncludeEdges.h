@@ -25,7 +25,7 @@ std::vector<Include> includesOf(const std::string& file, const std::string& text
 // src/, written from there.
 std::optional<std::string> objectionTo(const Include& include, const std::set<std::string>& files);
 
-// Files that include each other in a circle, the first one again at the end; empty if there is no circle.
-std::vector<std::string> circleIn(const std::map<std::string, std::set<std::string>>& includedBy);
+// The files that include each other in a circle, and those that lead there, by what each file includes.
+std::set<std::string> filesInCircles(std::map<std::string, std::set<std::string>> included);
 
 }  // namespace norvane

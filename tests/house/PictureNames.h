@@ -2,7 +2,6 @@
 
 #include <set>
 #include <string>
-#include <string_view>
 
 namespace norvane {
 
@@ -14,16 +13,14 @@ struct PictureNames {
     std::set<std::string> icons;
 };
 
-// Reads the names where they are written down: what stands for a picture is told by its last word. Taken are
-// the literals
-//   in the first argument of whatever ends in "symbol", "image" or "icon", or in one of these and "Name",
-//     "Named" or "Of": a call, or the initialiser of a type such as `DrawSymbol`;
-//   in what is given to a variable or a member named so, as in `.iconName = isOpen ? "eye" : "pin"`;
-//   in what a function named so returns.
-// A name that reaches its picture by another way is not seen.
-PictureNames pictureNamesIn(std::string_view source);
+// Reads the names where they are written down: what stands for a picture is told by its last word, "symbol",
+// "image" or "icon", or one of these and "Name", "Named" or "Of". Taken are the literals in the first
+// argument of a call or an initialiser, in what is given to a variable or a member as in `.iconName = isOpen
+// ? "eye" : "pin"`, and in what a function returns that is formatted like ours. A name that reaches its
+// picture by another way is not seen.
+PictureNames pictureNamesIn(const std::string& source);
 
 // All literals of a source.
-std::set<std::string> literalsIn(std::string_view source);
+std::set<std::string> literalsIn(const std::string& source);
 
 }  // namespace norvane

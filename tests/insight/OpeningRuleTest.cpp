@@ -44,8 +44,7 @@ TEST_F(OpeningRuleTest, CountsOnlyOpeningsThatWereNotSmartAsTheFirst) {
 TEST_F(OpeningRuleTest, RemembersNoPodThatDoesNotExist) {
     rule_.open(false, nullptr, std::nullopt);
     for (const std::string& stored :
-         {std::string("cpu"), std::string(), std::string("Storage"), std::string("storage "),
-          std::string("storage\0", 8), std::string("2"), std::string(1'000'000, 's')}) {
+         {std::string(), std::string("Storage"), std::string("storage\0", 8), std::string(1'000'000, 's')}) {
         EXPECT_EQ(rule_.open(false, &calm_, stored), cpu) << stored.substr(0, 20);
         EXPECT_EQ(rule_.open(true, &calm_, stored), cpu) << stored.substr(0, 20);
     }

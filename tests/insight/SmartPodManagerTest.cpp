@@ -76,17 +76,5 @@ TEST(SmartPodManager, IsNotMovedByMereActivity) {
     EXPECT_EQ(manager.evaluate(now), std::nullopt);
 }
 
-TEST(SmartPodManager, KeepsNothingOfWhatItWasAsked) {
-    const SmartPodManager manager;
-    SystemSnapshot now = healthySnapshot();
-    now.isStorageCritical = true;
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(manager.evaluate(now), "storage");
-    EXPECT_EQ(manager.activePod().get(), std::nullopt);
-    EXPECT_EQ(manager.pendingPod(), std::nullopt);
-    EXPECT_EQ(manager.sustainedTicks(), 0);
-    EXPECT_EQ(SmartPodManager::kRequiredTicks, 3);
-}
-
 }  // namespace
 }  // namespace norvane

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "insight/HealthySnapshot.h"
 #include "insight/SteadyStatusLine.h"
@@ -28,31 +29,19 @@ TEST(SystemStatusText, NamesTheMostSeriousThingFirstInEveryCombination) {
         now.memoryPressure = exhausted ? 4 : 2;
         now.isGPUSaturated = gpu;
 
-        std::vector<std::string> holding;
-        if (serious && !hot) {
-            holding.emplace_back(
-                "System temperature is elevated. Performance may be reduced to manage heat.");
-        }
-        if (hot)
-            holding.emplace_back(
-                "Thermal limit reached. Performance is being throttled to protect hardware.");
-        if (lowBattery)
-            holding.emplace_back("Battery is running low. Connect to power to avoid interruption.");
-        if (exhausted) {
-            holding.emplace_back(
-                "Critical memory exhaustion. System responsiveness is severely compromised.");
-        }
-        if (critical && gpu) {
-            holding.emplace_back(
-                "Critical resource saturation. Compute and Graphics are at maximum capacity.");
-        }
-        if (critical)
-            holding.emplace_back("Critical processor load. Every available cycle is currently utilized.");
-        if (lowPower) holding.emplace_back("Low Power Mode is active. Conserving energy for extended use.");
-        holding.emplace_back("System is operating optimally within comfortable parameters.");
-
+        const std::pair<bool, const char*> verdicts[] = {{serious && !hot, "System temperature is elevated."},
+                                                         {hot, "Thermal limit reached."},
+                                                         {lowBattery, "Battery is running low."},
+                                                         {exhausted, "Critical memory exhaustion."},
+                                                         {critical && gpu, "Critical resource saturation."},
+                                                         {critical, "Critical processor load."},
+                                                         {lowPower, "Low Power Mode is active."},
+                                                         {true, "System is operating optimally"}};
+        const auto* first = std::find_if(std::begin(verdicts), std::end(verdicts),
+                                         [](const auto& verdict) { return verdict.first; });
         const auto state = critical ? ComponentState::critical : ComponentState::normal;
-        EXPECT_EQ(systemStatusText(&now, state, lowPower), holding.front()) << "combination " << bits;
+        EXPECT_TRUE(systemStatusText(&now, state, lowPower).starts_with(first->second))
+            << first->second << " at " << bits;
         EXPECT_EQ(systemStatusText(nullptr, state, lowPower), "Initializing system telemetry...");
     }
 }
@@ -127,10 +116,10 @@ TEST_F(SteadyStatusLineTest, AnOpeningForgetsWhatWasWaitedForBefore) {
     line_.observe("B");
     machine_.advance(2s);
     line_.open("C");
-    machine_.advance(10s);
-    EXPECT_EQ(line_.stableStatusText(), "C");
     line_.observe("B");  // seen before the opening, but new to this one
-    machine_.advance(3s);
+    machine_.advance(2999ms);
+    EXPECT_EQ(line_.stableStatusText(), "C");
+    machine_.advance(1ms);
     EXPECT_EQ(line_.stableStatusText(), "B");
 }
 

@@ -25,32 +25,12 @@ const DiskSnapshot kExternal = volume("External", false);
 TEST(StorageInsight, SaysTheSentenceOfEveryCombination) {
     // Critical, low, heavy activity, filling; reading against writing.
     InsightTable table({
-        {{"1... ."},
-         "Critical storage limit.",
-         "Very little free space remains on the boot drive. macOS cannot operate normally, and system "
-         "crashes "
-         "may occur. Free up space immediately."},
-        {{"01.. ."},
-         "Low storage capacity.",
-         "With limited free space remaining, macOS is actively purging local caches and optimizing iCloud "
-         "storage. Performance may degrade during large file transfers."},
-        {{"001. <"},
-         "Heavy write activity.",
-         "The drive is sustaining heavy write loads. This is typical of large file transfers, media exports, "
-         "or extreme memory swapping."},
-        {{"001. [=>]"},
-         "Heavy read activity.",
-         "The drive is sustaining heavy read loads. This is typical of loading large applications, media "
-         "caching, or system scans."},
-        {{"0001 ."},
-         "Storage is filling up.",
-         "Storage capacity is well utilized. System operations are normal, but consider archiving large "
-         "files "
-         "soon to maintain optimal headroom."},
-        {{"0000 ."},
-         "Storage is healthy.",
-         "Capacity is comfortable, and current drive I/O operations are resting within efficient, low-impact "
-         "ranges."},
+        {{"1... ."}, "Critical storage limit.", "Very little free space remains"},
+        {{"01.. ."}, "Low storage capacity.", "With limited free space"},
+        {{"001. <"}, "Heavy write activity.", "The drive is sustaining heavy"},
+        {{"001. [=>]"}, "Heavy read activity.", "The drive is sustaining heavy"},
+        {{"0001 ."}, "Storage is filling up.", "Storage capacity is well"},
+        {{"0000 ."}, "Storage is healthy.", "Capacity is comfortable, and"},
     });
     SystemSnapshot now = healthySnapshot();
     for (unsigned number = 0;; ++number) {

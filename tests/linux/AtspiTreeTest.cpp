@@ -27,49 +27,42 @@ std::string statesOf(const AtspiStates& states) {
     std::string names;
     for (const auto& [state, name] : kChangingStates)
         if (states.has(state) && state != AtspiState::enabled && state != AtspiState::sensitive)
-            names += std::string(names.empty() ? "" : " ") + name;
+            names += ' ' + std::string(name);
     if (states.has(AtspiState::transient)) names += " transient";
     if (!states.has(AtspiState::enabled)) names += " disabled";
-    return names;
+    return names.substr(names.empty() ? 0 : 1);
 }
 
 TEST(AtspiObject, IsWhatItsNodeIs) {
-    const auto with = [](AccessibleNode made, void (*change)(AccessibleNode&)) {
-        change(made);
-        return made;
-    };
-    struct Case {
-        AccessibleNode node;
-        const char* role;
-        const char* name;
-        const char* description;
-        const char* states;
-    };
     using Role = AccessibleRole;
-    for (const Case& c : {
-             Case{node(Role::text, "Swap", "0.00 GB"), "label", "Swap, 0.00 GB", "", ""},
-             Case{node(Role::heading, "Settings"), "heading", "Settings", "", ""},
-             Case{node(Role::image, "Graph", "Level."), "image", "Graph", "Level.", " transient"},
-             Case{node(Role::button, "Eject \xFF"), "push button", "Eject \xEF\xBF\xBD", "", ""},
-             Case{with(node(Role::button, "CPU", "4 %"), [](auto& n) { n.isExpanded = true; }),
-                  "toggle button", "CPU", "4 %", "checked expanded pressed transient"},
-             Case{with(node(Role::toggle, "Pin"), [](auto& n) { n.isOn = false; }), "toggle button", "Pin",
-                  "", ""},
-             Case{with(node(Role::radioButton, "C"), [](auto& n) { n.isOn = n.isFocused = true; }),
-                  "radio button", "C", "", "checked focused"},
-             Case{with(node(Role::meter, "Core", "5 %"), [](auto& n) { n.number = AccessibleNumber{5}; }),
-                  "level bar", "Core", "", ""},
-             Case{node(Role::meter, "Heat", "30 C"), "level bar", "Heat", "30 C", " transient"},
-             Case{with(node(Role::link, "Feedback"), [](auto& n) { n.isEnabled = false; }), "link",
-                  "Feedback", "", " disabled"},
-             Case{node(Role::progress, "Ejecting"), "progress bar", "Ejecting", "", "busy"},
-         }) {
-        const AtspiObject object = AtspiObject::of(c.node);
-        EXPECT_STREQ(nameOf(object.role), c.role) << c.name;
-        EXPECT_EQ(object.name, c.name);
-        EXPECT_EQ(object.description, c.description) << c.name;
-        EXPECT_EQ(statesOf(object.states), c.states) << c.name;
-    }
+    // Its role, name, description and states.
+    const auto expect = [](const AccessibleNode& node, const char* want) {
+        const AtspiObject object = AtspiObject::of(node);
+        EXPECT_EQ(nameOf(object.role) + ("|" + object.name) + '|' + object.description + '|' +
+                      statesOf(object.states),
+                  want);
+    };
+    expect(node(Role::text, "Swap", "0.00 GB"), "label|Swap, 0.00 GB||");
+    expect(node(Role::image, "Graph", "Level."), "image|Graph|Level.|transient");
+    expect(node(Role::button, "Eject \xFF"), "push button|Eject \xEF\xBF\xBD||");
+    expect(node(Role::meter, "Heat", "30 C"), "level bar|Heat|30 C|transient");
+    expect(node(Role::progress, "Ejecting"), "progress bar|Ejecting||busy");
+    AccessibleNode pod = node(Role::button, "CPU", "4 %");
+    pod.isExpanded = true;
+    expect(pod, "toggle button|CPU|4 %|checked expanded pressed transient");
+    AccessibleNode pin = node(Role::toggle, "Pin");
+    pin.isOn = false;
+    expect(pin, "toggle button|Pin||");
+    expect(node(Role::heading, "Settings"), "heading|Settings||");
+    AccessibleNode radio = node(Role::radioButton, "C");
+    radio.isOn = radio.isFocused = true;
+    expect(radio, "radio button|C||checked focused");
+    AccessibleNode core = node(Role::meter, "Core", "5 %");
+    core.number = AccessibleNumber{5};
+    expect(core, "level bar|Core||");
+    AccessibleNode link = node(Role::link, "Feedback");
+    link.isEnabled = false;
+    expect(link, "link|Feedback||disabled");
 }
 
 class AtspiTreeTest : public testing::Test {
@@ -90,17 +83,16 @@ class AtspiTreeTest : public testing::Test {
         names.merge(namesNow());
         std::vector<std::string> lines;
         for (const AtspiEvent& event : events) {
-            if (event.kind == AtspiEvent::Kind::appeared || event.kind == AtspiEvent::Kind::disappeared) {
-                lines.push_back((event.kind == AtspiEvent::Kind::appeared ? "+ " : "- ") +
-                                names[event.source]);
+            const bool hasCome = event.kind == AtspiEvent::Kind::appeared;
+            if (hasCome || event.kind == AtspiEvent::Kind::disappeared) {
+                lines.push_back((hasCome ? "+ " : "- ") + names[event.source]);
                 continue;
             }
-            std::string line = names[event.source] + ' ' + event.member;
+            std::string& line = lines.emplace_back(names[event.source] + ' ' + event.member);
             if (!event.detail.empty()) line += ' ' + event.detail;
             line += ' ' + std::to_string(event.first);
             if (const auto* id = std::get_if<AtspiId>(&event.value)) line += " = " + names[*id];
             if (const auto* text = std::get_if<std::string>(&event.value)) line += " = " + *text;
-            lines.push_back(line);
         }
         return lines;
     }

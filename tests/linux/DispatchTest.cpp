@@ -2,12 +2,14 @@
 
 #include <sys/resource.h>
 #include <unistd.h>
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <latch>
 #include <set>
 #include <string>
 #include <thread>
@@ -27,15 +29,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The names of this process' threads.
-std::multiset<std::string> threadNames() {
-    std::multiset<std::string> names;
+// The number of this process' threads of that name.
+std::size_t threadsNamed(const std::string& name) {
+    std::size_t count = 0;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task", error)) {
-        std::string name;
-        if (std::getline(std::ifstream(entry.path() / "comm"), name)) names.insert(name);
+        std::string found;
+        if (std::getline(std::ifstream(entry.path() / "comm"), found) && found == name) ++count;
     }
-    return names;
+    return count;
 }
 
 // Looks again and again until it holds; for states of other threads that tell nobody.
@@ -48,75 +50,69 @@ bool comesToHold(const std::function<bool()>& holds) {
     return true;
 }
 
-TEST(MainQueue, RunsTasksInTheirOrderAndTasksOfTasksInALaterTurn) {
-    LinuxMainQueue queue;
+// Returns when the queue has run all that it was given before.
+template <typename Queue>
+void drain(Queue& queue) {
+    std::promise<void> drained;
+    queue.async([&] { drained.set_value(); });
+    drained.get_future().wait();
+}
+
+void turn() {
+    g_main_context_iteration(nullptr, FALSE);
+}
+
+class MainQueueTest : public testing::Test {
+ protected:
     std::string told;
+    LinuxMainQueue queue;
+
+    // Tasks that keep coming until something is told.
+    void recur() {
+        if (told.empty()) queue.async([this] { recur(); });
+    }
+};
+
+TEST_F(MainQueueTest, RunsTasksInTheirOrderAndTasksOfTasksInALaterTurn) {
     queue.async([&] {
         told += "a";
         queue.async([&] { told += "c"; });
     });
     queue.async([&] { told += "b"; });
-    g_main_context_iteration(nullptr, FALSE);
-    EXPECT_EQ(told, "ab");
-    g_main_context_iteration(nullptr, FALSE);
+    turn();
+    EXPECT_EQ(told, "ab") << "one turn for many tasks";
+    turn();
     EXPECT_EQ(told, "abc");
-    g_main_context_iteration(nullptr, FALSE);
-    EXPECT_EQ(told, "abc");
+    EXPECT_FALSE(g_main_context_pending(nullptr));
 }
 
-struct Recurring {
-    LinuxMainQueue& queue;
-    const bool& isOver;
-    void operator()() const {
-        if (!isOver) queue.async(*this);
-    }
-};
-
-TEST(MainQueue, LetsOtherSourcesHaveTheirTurnWhileTasksKeepComing) {
-    LinuxMainQueue queue;
-    bool isOver = false;
-    queue.async(Recurring{queue, isOver});
-    g_idle_add_full(
-        G_PRIORITY_DEFAULT,
-        [](gpointer over) -> gboolean {
-            *static_cast<bool*>(over) = true;
-            return G_SOURCE_REMOVE;
-        },
-        &isOver, nullptr);
-    EXPECT_TRUE(runUntil([&] { return isOver; }));
+TEST_F(MainQueueTest, LetsOtherSourcesHaveTheirTurnWhileTasksKeepComing) {
+    recur();
+    const auto tell = [](gpointer what) -> gboolean {
+        *static_cast<std::string*>(what) = "over";
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_DEFAULT, tell, &told, nullptr);
+    EXPECT_TRUE(runUntil([&] { return !told.empty(); }));
 }
 
-TEST(MainQueue, GetsTenThousandTasksOfAnotherThreadOnceEachAndInOrder) {
+TEST_F(MainQueueTest, GetsTenThousandTasksOfAnotherThreadOnceEachAndInOrder) {
     constexpr int kTasks = 10'000;
-    LinuxMainQueue queue;
     std::vector<int> arrived;
     std::thread sender([&] {
-        for (int number = 0; number < kTasks; ++number) {
+        for (int number = 0; number < kTasks; ++number)
             queue.async([&arrived, number] { arrived.push_back(number); });
-        }
     });
     EXPECT_TRUE(runUntil([&] { return arrived.size() >= kTasks; }));
     sender.join();
-    g_main_context_iteration(nullptr, FALSE);
+    turn();
     ASSERT_EQ(arrived.size(), static_cast<std::size_t>(kTasks));
     for (int number = 0; number < kTasks; ++number)
         ASSERT_EQ(arrived[static_cast<std::size_t>(number)], number);
 }
 
-TEST(MainQueue, IsWokenOnceForManyTasksAndNotAgain) {
-    LinuxMainQueue queue;
-    int runs = 0;
-    for (int task = 0; task < 100; ++task)
-        queue.async([&] { ++runs; });
-    EXPECT_TRUE(g_main_context_iteration(nullptr, FALSE));
-    EXPECT_EQ(runs, 100);
-    EXPECT_FALSE(g_main_context_pending(nullptr));
-}
-
-TEST(MainQueue, RunsDelayedTasksByDeadlineAndNotBeforeIt) {
+TEST_F(MainQueueTest, RunsDelayedTasksByDeadlineAndNotBeforeIt) {
     const LinuxMonotonicClock clock;
-    LinuxMainQueue queue;
-    std::string told;
     const auto start = clock.now();
     MonotonicInstant lastRan{};
     const auto late = queue.after(40ms, [&] {
@@ -132,9 +128,14 @@ TEST(MainQueue, RunsDelayedTasksByDeadlineAndNotBeforeIt) {
     EXPECT_GE(lastRan - start, 40ms);
 }
 
-TEST(MainQueue, RunsNoDelayedTaskThatWasCancelledOrWhoseCancellationWentAway) {
-    LinuxMainQueue queue;
-    std::string told;
+TEST_F(MainQueueTest, RunsNoDelayedTaskThatWasCancelledOrWhoseCancellationWentAway) {
+    Cancellation outliving;
+    {
+        LinuxMainQueue gone;
+        outliving = gone.after(1h, [] {});
+    }
+    outliving.cancel();
+
     auto cancelled = queue.after(1ms, [&] { told += "cancelled "; });
     {
         const auto destroyed = queue.after(1ms, [&] { told += "destroyed "; });
@@ -153,27 +154,16 @@ TEST(MainQueue, RunsNoDelayedTaskThatWasCancelledOrWhoseCancellationWentAway) {
     EXPECT_EQ(told, "itself ");
 }
 
-TEST(MainQueue, BearsCancellationsThatOutliveIt) {
-    Cancellation late;
-    {
-        LinuxMainQueue queue;
-        late = queue.after(1h, [] {});
-    }
-    late.cancel();
-}
-
-TEST(MainQueue, DropsEverythingOnceClosedEvenTheRestOfTheTurn) {
-    LinuxMainQueue queue;
+TEST_F(MainQueueTest, DropsEverythingOnceClosedEvenTheRestOfTheTurn) {
     const auto witness = std::make_shared<int>();
-    std::string told;
-    const auto delayed = queue.after(0ns, [&told, witness] { told += "delayed"; });
+    const auto delayed = queue.after(0ns, [this, witness] { told += "delayed"; });
     queue.async([&] {
         queue.close();
         told += "closed";
     });
-    queue.async([&told, witness] { told += "same turn"; });
-    g_main_context_iteration(nullptr, FALSE);
-    queue.async([&told, witness] { told += "later"; });
+    queue.async([this, witness] { told += "same turn"; });
+    turn();
+    queue.async([this, witness] { told += "later"; });
     while (g_main_context_iteration(nullptr, FALSE)) {
     }
     EXPECT_EQ(told, "closed");
@@ -181,27 +171,25 @@ TEST(MainQueue, DropsEverythingOnceClosedEvenTheRestOfTheTurn) {
 }
 
 TEST(RepeatingDeadline, TurnsMissedFiringsIntoOneAndStaysOnItsGrid) {
-    struct Case {
-        const char* name;
-        std::chrono::nanoseconds interval, firedAt, next;
-    };
-    for (const Case& c :
-         {Case{"in time", 10ms, 0ms, 10ms}, Case{"a little late", 10ms, 9ms, 10ms},
-          Case{"on the next instant", 10ms, 10ms, 20ms}, Case{"after a sleep", 10ms, 57ms, 60ms},
-          Case{"before its time", 10ms, -5ms, 10ms}, Case{"no interval at all", 0ms, 5ns, 6ns},
-          Case{"for ever", std::chrono::nanoseconds::max(), 5ns, std::chrono::nanoseconds::max() - 1h}}) {
+    using std::chrono::nanoseconds;
+    const auto next = [](nanoseconds interval, nanoseconds firedAt) {
         const MonotonicInstant start{1h};
-        RepeatingDeadline deadline(start, c.interval);
-        deadline.fire(start + c.firedAt);
-        EXPECT_EQ(deadline.next() - start, c.next) << c.name;
-    }
+        RepeatingDeadline deadline(start, interval);
+        deadline.fire(start + firedAt);
+        return deadline.next() - start;
+    };
+    EXPECT_EQ(next(10ms, 9ms), 10ms) << "a little late";
+    EXPECT_EQ(next(10ms, 10ms), 20ms);
+    EXPECT_EQ(next(10ms, 57ms), 60ms) << "after a sleep";
+    EXPECT_EQ(next(10ms, -5ms), 10ms) << "before its time";
+    EXPECT_EQ(next(0ms, 5ns), 6ns);
+    EXPECT_EQ(next(nanoseconds::max(), 5ns), nanoseconds::max() - 1h);
 }
 
-TEST(SerialQueue, RunsTasksOneAfterAnotherInTheirOrder) {
-    LinuxSerialQueue queue("serial");
+TEST(SerialQueue, RunsTasksOneAfterAnotherOnAThreadWithItsLabelThatGivesWay) {
+    LinuxSerialQueue queue("sampler of the machine");
     std::atomic<int> inside = 0;
     std::vector<int> order;
-    std::promise<void> done;
     for (int number = 0; number < 1000; ++number) {
         queue.async([&, number] {
             EXPECT_EQ(inside.fetch_add(1), 0);
@@ -209,18 +197,13 @@ TEST(SerialQueue, RunsTasksOneAfterAnotherInTheirOrder) {
             inside.fetch_sub(1);
         });
     }
-    queue.async([&] { done.set_value(); });
-    done.get_future().wait();
+    int niceness = 0;
+    queue.async([&] { niceness = getpriority(PRIO_PROCESS, 0); });
+    drain(queue);
     ASSERT_EQ(order.size(), 1000u);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-}
-
-TEST(SerialQueue, HasAThreadWithItsLabelThatGivesWay) {
-    LinuxSerialQueue queue("sampler of the machine");
-    std::promise<int> niceness;
-    queue.async([&] { niceness.set_value(getpriority(PRIO_PROCESS, 0)); });
-    EXPECT_GT(niceness.get_future().get(), getpriority(PRIO_PROCESS, 0));
-    EXPECT_TRUE(threadNames().contains("sampler of the "));
+    EXPECT_GT(niceness, getpriority(PRIO_PROCESS, 0));
+    EXPECT_EQ(threadsNamed("sampler of the "), 1u);
 }
 
 TEST(SerialQueue, FiresATimerAtOnceAndThenOnItsGridWithMissedFiringsAsOne) {
@@ -239,17 +222,12 @@ TEST(SerialQueue, FiresATimerAtOnceAndThenOnItsGridWithMissedFiringsAsOne) {
     });
     const auto after = clock.now();
     fiveMore.get_future().wait();
-    std::promise<void> drained;
-    queue.async([&] { drained.set_value(); });
-    drained.get_future().wait();
+    drain(queue);
 
     // The second stands for all that were missed; each later one is in an interval of its own.
     EXPECT_GE(firings[1], before + 5 * kInterval);
-    for (std::size_t index = 2; index < firings.size(); ++index) {
-        const auto slot = (firings[index] - before) / kInterval;
-        const auto slotBefore = (firings[index - 1] - after) / kInterval;
-        EXPECT_GT(slot, slotBefore) << index;
-    }
+    for (std::size_t index = 2; index < firings.size(); ++index)
+        EXPECT_GT((firings[index] - before) / kInterval, (firings[index - 1] - after) / kInterval) << index;
 }
 
 TEST(SerialQueue, EndsATimerThatIsDestroyedWithinItsOwnTask) {
@@ -273,36 +251,34 @@ TEST(SerialQueue, EndsATimerThatIsDestroyedWithinItsOwnTask) {
 
 TEST(SerialQueue, EndsATimerFromAnotherThreadWithoutWaitingForItsFiring) {
     LinuxSerialQueue queue("timer");
-    std::promise<void> began;
-    std::promise<void> goOn;
+    std::latch began(1);
+    std::latch goOn(1);
     std::atomic<int> firings = 0;
-    auto timer = queue.every(1ms, [&, mayGoOn = goOn.get_future().share()] {
-        if (++firings == 1) began.set_value();
-        mayGoOn.wait();
+    auto timer = queue.every(1ms, [&] {
+        if (++firings == 1) began.count_down();
+        goOn.wait();
     });
-    began.get_future().wait();
+    began.wait();
     timer.reset();
-    goOn.set_value();
-    std::promise<void> drained;
-    queue.async([&] { drained.set_value(); });
-    drained.get_future().wait();
+    goOn.count_down();
+    drain(queue);
     EXPECT_EQ(firings, 1);
 }
 
 TEST(SerialQueue, FinishesTheRunningTaskAndDropsTheOthersWhenDestroyed) {
-    std::promise<void> began;
-    std::promise<void> goOn;
+    std::latch began(1);
+    std::latch goOn(1);
     const auto witness = std::make_shared<int>();
     std::atomic<bool> isFinished = false;
     std::atomic<bool> ranMore = false;
     auto* const queue = new LinuxSerialQueue("busy");
     queue->async([&] {
-        began.set_value();
-        goOn.get_future().wait();
+        began.count_down();
+        goOn.wait();
         isFinished = true;
     });
     queue->async([&, witness] { ranMore = true; });
-    began.get_future().wait();
+    began.wait();
     const auto timer = queue->every(1h, [&, witness] { ranMore = true; });
     std::thread destroyer([&] { delete queue; });
     // The destruction has begun once what comes is dropped at once; it cannot end before the task does.
@@ -312,38 +288,32 @@ TEST(SerialQueue, FinishesTheRunningTaskAndDropsTheOthersWhenDestroyed) {
         queue->async([probe] {});
         return probe.use_count() == before;
     }));
-    goOn.set_value();
+    goOn.count_down();
     destroyer.join();
     EXPECT_TRUE(isFinished);
     EXPECT_FALSE(ranMore);
     EXPECT_EQ(probe.use_count(), 1);
     EXPECT_LE(witness.use_count(), 2) << "held at most by the timer, which outlives its queue";
-}
 
-TEST(SerialQueue, MayBeDestroyedByItsOwnTask) {
-    const auto witness = std::make_shared<int>();
-    auto* const queue = new LinuxSerialQueue("short-lived");
-    queue->async([queue, witness] { delete queue; });
-    EXPECT_TRUE(comesToHold([&] { return witness.use_count() == 1; }));
+    auto* const shortLived = new LinuxSerialQueue("short-lived");
+    shortLived->async([shortLived, probe] { delete shortLived; });
+    EXPECT_TRUE(comesToHold([&] { return probe.use_count() == 1; })) << "destroyed by its own task";
 }
 
 TEST(BackgroundQueue, LetsNoStuckTaskHoldUpAnother) {
     LinuxBackgroundQueue queue;
-    std::promise<void> goOn;
-    auto mayGoOn = goOn.get_future().share();
+    std::latch goOn(1);
     std::atomic<int> stuck = 0;
     for (int task = 0; task < 8; ++task) {
-        queue.async([&stuck, mayGoOn] {
+        queue.async([&] {
             ++stuck;
-            mayGoOn.wait();
+            goOn.wait();
             --stuck;
         });
     }
-    std::promise<void> ran;
-    queue.async([&] { ran.set_value(); });
-    ran.get_future().wait();
+    drain(queue);
     EXPECT_TRUE(comesToHold([&] { return stuck == 8; }));
-    goOn.set_value();
+    goOn.count_down();
     EXPECT_TRUE(comesToHold([&] { return stuck == 0; }));
 }
 
@@ -360,10 +330,8 @@ TEST(BackgroundQueue, TakesIdleThreadsAgainAndEndsThemAfterAWhile) {
         EXPECT_LT(threads.size(), 10u);
     }
     LinuxBackgroundQueue queue(1ms);
-    std::promise<void> ran;
-    queue.async([&] { ran.set_value(); });
-    ran.get_future().wait();
-    EXPECT_TRUE(comesToHold([] { return threadNames().count("background") == 0; }));
+    drain(queue);
+    EXPECT_TRUE(comesToHold([] { return threadsNamed("background") == 0; }));
 }
 
 TEST(BackgroundQueue, RunsDelayedTasksByDeadlineWithOneThreadThatEndsWithThem) {
@@ -375,35 +343,13 @@ TEST(BackgroundQueue, RunsDelayedTasksByDeadlineWithOneThreadThatEndsWithThem) {
     const auto start = clock.now();
     queue.asyncAfter(60ms, [&] { late.set_value(clock.now()); });
     queue.asyncAfter(10ms, [&] {
-        timekeepers = threadNames().count("background time");
+        timekeepers = threadsNamed("background time");
         early.set_value(clock.now());
     });
     EXPECT_GE(early.get_future().get() - start, 10ms);
     EXPECT_EQ(timekeepers, 1u);
     EXPECT_GE(late.get_future().get() - start, 60ms);
-    EXPECT_TRUE(comesToHold([] { return threadNames().count("background time") == 0; }));
-}
-
-TEST(BackgroundQueue, RunsEachOfManyTasksOnceWhoeverSendsThem) {
-    constexpr int kSenders = 4;
-    constexpr int kTasks = 500;
-    LinuxBackgroundQueue queue;
-    std::atomic<int> runs = 0;
-    std::vector<std::thread> senders;
-    for (int sender = 0; sender < kSenders; ++sender) {
-        senders.emplace_back([&] {
-            for (int task = 0; task < kTasks; ++task) {
-                if (task % 2 == 0) {
-                    queue.async([&] { ++runs; });
-                } else {
-                    queue.asyncAfter(std::chrono::microseconds(task), [&] { ++runs; });
-                }
-            }
-        });
-    }
-    for (std::thread& sender : senders)
-        sender.join();
-    EXPECT_TRUE(comesToHold([&] { return runs == kSenders * kTasks; }));
+    EXPECT_TRUE(comesToHold([] { return threadsNamed("background time") == 0; }));
 }
 
 TEST(Dispatch, GoesAwayUnderAStuckTaskThatStillUsesItsQueues) {
@@ -413,24 +359,23 @@ TEST(Dispatch, GoesAwayUnderAStuckTaskThatStillUsesItsQueues) {
     auto dispatch = std::make_unique<LinuxDispatch>();
     LinuxMainQueue& mainQueue = dispatch->mainQueue();
     LinuxBackgroundQueue& backgroundQueue = dispatch->backgroundQueue();
-    backgroundQueue.async([&, witness, mayGoOn = goOn.get_future().share()] {
+    const auto never = [witness] { FAIL(); };
+    backgroundQueue.async([&, never, mayGoOn = goOn.get_future().share()] {
         began.set_value();
         mayGoOn.wait();
-        mainQueue.async([witness] { FAIL(); });
-        backgroundQueue.async([witness] { FAIL(); });
-        backgroundQueue.asyncAfter(0ns, [witness] { FAIL(); });
+        mainQueue.async(never);
+        backgroundQueue.async(never);
+        backgroundQueue.asyncAfter(0ns, never);
     });
     began.get_future().wait();
-    backgroundQueue.asyncAfter(1h, [witness] { FAIL(); });
+    backgroundQueue.asyncAfter(1h, never);
     dispatch.reset();
     goOn.set_value();
-    EXPECT_TRUE(comesToHold([&] { return witness.use_count() == 1; }));
+    EXPECT_TRUE(comesToHold([&] { return witness.use_count() == 2; })) << "held by this test alone";
 }
 
-TEST(Application, RunsUntilTerminatedAndEndsWithSuccess) {
-    LinuxMainQueue queue;
+TEST_F(MainQueueTest, LetsAnApplicationRunUntilTerminatedAndEndWithSuccess) {
     LinuxApplication application(queue);
-    std::string told;
     queue.async([&] {
         application.terminate();
         told += "terminated";
@@ -456,15 +401,9 @@ TEST(Application, EndsOnASignalAndIgnoresAReaderThatWentAway) {
     }
 }
 
-TEST(Clocks, AgreeWithTheLibrarysOwn) {
-    const auto wallBefore = std::chrono::system_clock::now().time_since_epoch();
-    const auto wall = LinuxWallClock().now().time_since_epoch();
-    EXPECT_LE(wallBefore, wall);
-    EXPECT_LE(wall, std::chrono::system_clock::now().time_since_epoch());
-    const auto monotonicBefore = std::chrono::steady_clock::now().time_since_epoch();
-    const auto monotonic = LinuxMonotonicClock().now().time_since_epoch();
-    EXPECT_LE(monotonicBefore, monotonic);
-    EXPECT_LE(monotonic, std::chrono::steady_clock::now().time_since_epoch());
+TEST(WallClock, AgreesWithTheLibrarysOwn) {
+    const auto now = LinuxWallClock().now().time_since_epoch();
+    EXPECT_LT(std::chrono::abs(std::chrono::system_clock::now().time_since_epoch() - now), 1min);
 }
 
 TEST(UUIDs, AreOfVersion4AndNeverRepeatWithOrWithoutRandomness) {

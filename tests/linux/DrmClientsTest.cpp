@@ -38,29 +38,21 @@ class DrmClientsTest : public testing::Test {
     }
 };
 
-TEST_F(DrmClientsTest, CountEachClientOnce) {
+TEST_F(DrmClientsTest, AreCountedOnceAndBelongToOneDeviceEach) {
     open("100", "4", "/dev/dri/renderD128", client("1", 10));
     open("100", "5", "/dev/dri/renderD128", client("1", 10));
     open("100", "6", "/dev/dri/card0", client("2", 20));
     open("200", "4", "/dev/dri/renderD128", client("1", 10));  // inherited
-    open("200", "5", "/dev/dri/renderD128", client("3", 30));
-    const DrmClients::Answer answer = clients.read(nodes);
+    open("200", "5", "/dev/dri/renderD129", client("1", 30, ""));
+    const DrmClients::Answer answer = clients.read(
+        {{"card0", "0000:00:02.0"}, {"renderD128", "0000:00:02.0"}, {"renderD129", "fd4a0000.gpu"}});
     EXPECT_EQ(answer.at, system.calls.now());
-    const DrmClientEngines want{{"1", render(10)}, {"2", render(20)}, {"3", render(30)}};
-    EXPECT_EQ(answer.clients, (std::map<std::string, DrmClientEngines>{{"0000:00:02.0", want}}));
-}
-
-TEST_F(DrmClientsTest, BelongToOneDeviceEach) {
-    const DrmClients::Nodes both{{"renderD128", "0000:00:02.0"}, {"renderD129", "fd4a0000.gpu"}};
-    open("100", "4", "/dev/dri/renderD128", client("1", 10));
-    open("100", "5", "/dev/dri/renderD129", client("1", 20, ""));
-    const DrmClients::Answer answer = clients.read(both);
-    const std::map<std::string, DrmClientEngines> want{{"0000:00:02.0", {{"1", render(10)}}},
-                                                       {"fd4a0000.gpu", {{"1", render(20)}}}};
+    const std::map<std::string, DrmClientEngines> want{
+        {"0000:00:02.0", {{"1", render(10)}, {"2", render(20)}}}, {"fd4a0000.gpu", {{"1", render(30)}}}};
     EXPECT_EQ(answer.clients, want);
 }
 
-TEST_F(DrmClientsTest, OpenNothingButDescriptorsOfTheGivenNodes) {
+TEST_F(DrmClientsTest, OpenNothingButOurOwnDescriptorsOfTheGivenNodes) {
     open("100", "3", "/home/ada/dev/dri/card0", client("1", 10));
     open("100", "4", "socket:[4711]", client("2", 10));
     open("100", "5", "/dev/dri/renderD129", client("3", 10, "0000:01:00.0"));
@@ -70,6 +62,12 @@ TEST_F(DrmClientsTest, OpenNothingButDescriptorsOfTheGivenNodes) {
     EXPECT_TRUE(clients.read(nodes).clients.empty());
     EXPECT_EQ(observer->read, std::vector<std::string>{});
     EXPECT_FALSE(hasOpened("/proc/self/fd/"));
+
+    open("100", "7", "/dev/dri/card0", client("1", 10));
+    observer->forget();
+    DrmClients ofSomebodyElse(machine.root(observer), ::getuid() + 1, system.calls.now);
+    EXPECT_TRUE(ofSomebodyElse.read(nodes).clients.empty());
+    EXPECT_EQ(observer->opened, std::vector<std::string>{"/proc"});
 }
 
 TEST_F(DrmClientsTest, OutliveBrokenNeighbours) {
@@ -82,13 +80,6 @@ TEST_F(DrmClientsTest, OutliveBrokenNeighbours) {
     machine.makeFolder("/proc/101");           // ended in between
     open("102", "3", "/dev/dri/card0", client("1", 10));
     EXPECT_EQ(clients.read(nodes).clients.at("0000:00:02.0"), (DrmClientEngines{{"1", render(10)}}));
-}
-
-TEST_F(DrmClientsTest, OfOtherUsersAreLeftAlone) {
-    open("100", "4", "/dev/dri/card0", client("1", 10));
-    DrmClients ofSomebodyElse(machine.root(observer), ::getuid() + 1, system.calls.now);
-    EXPECT_TRUE(ofSomebodyElse.read(nodes).clients.empty());
-    EXPECT_EQ(observer->opened, std::vector<std::string>{"/proc"});
 }
 
 TEST_F(DrmClientsTest, AreLookedForAmongAllProcessesEveryThirtySeconds) {

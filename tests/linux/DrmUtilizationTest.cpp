@@ -17,84 +17,48 @@ DrmEngine counted(std::uint64_t busy, std::uint64_t total, std::uint64_t capacit
     return {{}, busy, total, capacity};
 }
 
+// The clients "1", "2", … with one engine each.
+DrmClientEngines clients(const char* engine, const std::vector<DrmEngine>& each) {
+    DrmClientEngines made;
+    for (const DrmEngine& of : each)
+        made[std::to_string(made.size() + 1)] = {{engine, of}};
+    return made;
+}
+
 TEST(DrmUtilization, IsThatOfTheBusiestEngineOverTwoSeconds) {
-    struct Case {
-        const char* name;
-        DrmClientEngines before;
-        DrmClientEngines now;
-        std::optional<double> want;
-    };
-    for (const Case& c : {
-             Case{"nobody", {}, {}, std::nullopt},
-             Case{"idle", {{"1", {{"render", timed(5s)}}}}, {{"1", {{"render", timed(5s)}}}}, 0.0},
-             Case{"a quarter", {{"1", {{"render", timed(5s)}}}}, {{"1", {{"render", timed(5500ms)}}}}, 25.0},
-             Case{"two clients share an engine",
-                  {{"1", {{"render", timed(5s)}}}, {"2", {{"render", timed(0s)}}}},
-                  {{"1", {{"render", timed(5500ms)}}}, {"2", {{"render", timed(1s)}}}},
-                  75.0},
-             Case{"engines work side by side",
-                  {{"1", {{"render", timed(0s)}, {"video", timed(0s)}}}, {"2", {{"copy", timed(0s)}}}},
-                  {{"1", {{"render", timed(1s)}, {"video", timed(1500ms)}}}, {"2", {{"copy", timed(1s)}}}},
-                  75.0},
-             Case{"two alike, one of them busy",
-                  {{"1", {{"video", timed(0s, 2)}}}},
-                  {{"1", {{"video", timed(2s, 2)}}}},
-                  50.0},
-             Case{"only one of the clients says that there are two",
-                  {{"1", {{"video", timed(0s, 2)}}}, {"2", {{"video", timed(0s)}}}},
-                  {{"1", {{"video", timed(1s, 2)}}}, {"2", {{"video", timed(1s)}}}},
-                  50.0},
-             Case{"a counter began anew",
-                  {{"1", {{"render", timed(9s)}}}, {"2", {{"render", timed(0s)}}}},
-                  {{"1", {{"render", timed(1s)}}}, {"2", {{"render", timed(500ms)}}}},
-                  25.0},
-             Case{"more than there was",
-                  {{"1", {{"render", timed(0s)}}}},
-                  {{"1", {{"render", timed(9s)}}}},
-                  100.0},
-             Case{
-                 "as much as can be written",
-                 {{"1", {{"render", {0, {}, {}, 1}}}}, {"2", {{"render", {0, {}, {}, 1}}}}},
-                 {{"1", {{"render", {UINT64_MAX, {}, {}, 1}}}}, {"2", {{"render", {UINT64_MAX, {}, {}, 1}}}}},
-                 100.0},
-             Case{"a client came",
-                  {{"1", {{"render", timed(0s)}}}},
-                  {{"1", {{"render", timed(1s)}}}, {"2", {{"render", timed(9s)}}}},
-                  50.0},
-             Case{"another client instead",
-                  {{"1", {{"render", timed(0s)}}}},
-                  {{"2", {{"render", timed(1s)}}}},
-                  {}},
-             Case{"another engine instead",
-                  {{"1", {{"render", timed(0s)}}}},
-                  {{"1", {{"video", timed(1s)}}}},
-                  {}},
-             Case{"cycles",
-                  {{"1", {{"rcs", counted(10, 1000)}}}},
-                  {{"1", {{"rcs", counted(30, 1100)}}}},
-                  20.0},
-             Case{"cycles of clients that were looked at one after another",
-                  {{"1", {{"rcs", counted(10, 1000)}}}, {"2", {{"rcs", counted(0, 1000)}}}},
-                  {{"1", {{"rcs", counted(30, 1100)}}}, {"2", {{"rcs", counted(30, 1200)}}}},
-                  25.0},
-             Case{"cycles of four alike",
-                  {{"1", {{"ccs", counted(0, 1000, 4)}}}},
-                  {{"1", {{"ccs", counted(200, 1100, 4)}}}},
-                  50.0},
-             Case{"a clock that stands still",
-                  {{"1", {{"rcs", counted(10, 1000)}}}},
-                  {{"1", {{"rcs", counted(30, 1000)}}}},
-                  std::nullopt},
-             Case{"a clock that began anew",
-                  {{"1", {{"rcs", counted(10, 1000)}}}},
-                  {{"1", {{"rcs", counted(30, 5)}}}},
-                  std::nullopt},
-             Case{"neither time nor a clock", {{"1", {{"gpu", {}}}}}, {{"1", {{"gpu", {}}}}}, std::nullopt},
-         }) {
+    const auto expect = [](const char* name, const DrmClientEngines& before, const DrmClientEngines& now,
+                           std::optional<double> want) {
         DrmUtilization utilization;
-        EXPECT_FALSE(utilization.percent(c.before, kStart)) << c.name << ": nothing to compare with";
-        EXPECT_EQ(utilization.percent(c.now, kStart + 2s), c.want) << c.name;
-    }
+        EXPECT_FALSE(utilization.percent(before, kStart)) << name << ": nothing to compare with";
+        EXPECT_EQ(utilization.percent(now, kStart + 2s), want) << name;
+    };
+    const auto expectTimed = [&](const char* name, const std::vector<DrmEngine>& before,
+                                 const std::vector<DrmEngine>& now, std::optional<double> want) {
+        expect(name, clients("render", before), clients("render", now), want);
+    };
+    expectTimed("nobody", {}, {}, {});
+    expectTimed("idle", {timed(5s)}, {timed(5s)}, 0.0);
+    expectTimed("two share an engine", {timed(5s), timed(0s)}, {timed(5500ms), timed(1s)}, 75.0);
+    expect("engines work side by side",
+           {{"1", {{"render", timed(0s)}, {"video", timed(0s)}}}, {"2", {{"copy", timed(0s)}}}},
+           {{"1", {{"render", timed(1s)}, {"video", timed(1500ms)}}}, {"2", {{"copy", timed(1s)}}}}, 75.0);
+    expectTimed("two alike, one of them busy", {timed(0s, 2)}, {timed(2s, 2)}, 50.0);
+    expectTimed("only one says that there are two", {timed(0s, 2), timed(0s)}, {timed(1s, 2), timed(1s)},
+                50.0);
+    expectTimed("a counter began anew", {timed(9s), timed(0s)}, {timed(1s), timed(500ms)}, 25.0);
+    expectTimed("more than there was", {timed(0s)}, {timed(9s)}, 100.0);
+    const DrmEngine most{UINT64_MAX, {}, {}, 1};
+    expectTimed("as much as can be written", {timed(0s), timed(0s)}, {most, most}, 100.0);
+    expectTimed("a client came", {timed(0s)}, {timed(1s), timed(9s)}, 50.0);
+    expect("another client instead", {{"1", {{"render", timed(0s)}}}}, {{"2", {{"render", timed(1s)}}}}, {});
+    expect("another engine instead", {{"1", {{"render", timed(0s)}}}}, {{"1", {{"video", timed(1s)}}}}, {});
+    expectTimed("cycles", {counted(10, 1000)}, {counted(30, 1100)}, 20.0);
+    expectTimed("cycles of clients that were looked at one after another",
+                {counted(10, 1000), counted(0, 1000)}, {counted(30, 1100), counted(30, 1200)}, 25.0);
+    expectTimed("cycles of four alike", {counted(0, 1000, 4)}, {counted(200, 1100, 4)}, 50.0);
+    expectTimed("a clock that stands still", {counted(10, 1000)}, {counted(30, 1000)}, {});
+    expectTimed("a clock that began anew", {counted(10, 1000)}, {counted(30, 5)}, {});
+    expectTimed("neither time nor a clock", {DrmEngine{}}, {DrmEngine{}}, {});
 }
 
 TEST(DrmUtilization, GoesFromLookToLook) {

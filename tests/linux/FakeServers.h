@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -39,13 +40,10 @@ class FakeServers {
 
     std::shared_ptr<LaneWaiter> waiter() const { return waiter_; }
 
-    void set(const std::string& path, FileSystemSpace space) {
+    // Without a space, the call fails.
+    void set(const std::string& path, std::optional<FileSystemSpace> space) {
         const std::lock_guard lock(state_->mutex);
         state_->spaces[path] = space;
-    }
-    void setFailing(const std::string& path) {
-        const std::lock_guard lock(state_->mutex);
-        state_->spaces.erase(path);
     }
     void hang(const std::string& path) {
         const std::lock_guard lock(state_->mutex);
@@ -85,7 +83,7 @@ class FakeServers {
         std::condition_variable changed;
         // All guarded by mutex.
         const std::thread::id testThread = std::this_thread::get_id();
-        std::map<std::string, FileSystemSpace> spaces;
+        std::map<std::string, std::optional<FileSystemSpace>> spaces;
         std::set<std::string> hanging;
         std::multiset<std::string> out;
         std::vector<std::string> asked;
@@ -104,16 +102,13 @@ class FakeServers {
                 changed.wait(lock, [&] { return !hanging.contains(path); });
                 out.erase(entry);
             }
-            const auto found = spaces.find(path);
-            if (found == spaces.end()) return std::nullopt;
-            return found->second;
+            return spaces[path];
         }
         // Whether every call hangs or has been taken note of.
         bool allAccountedFor() const {
-            for (const std::string& path : out) {
-                if (!hanging.contains(path)) return false;
-            }
-            return arrived + out.size() == served;
+            return arrived + out.size() == served &&
+                   std::all_of(out.begin(), out.end(),
+                               [this](const auto& path) { return hanging.contains(path); });
         }
         template <typename Condition>
         void await(std::unique_lock<std::mutex>& lock, Condition condition) {
@@ -131,12 +126,11 @@ class FakeServers {
             state_->changed.notify_all();
         }
         void wait(const std::function<bool()>& allIn, std::chrono::nanoseconds budget) override {
-            {
-                std::unique_lock lock(state_->mutex);
-                state_->granted.push_back(budget);
-                state_->await(
-                    lock, [&] { return state_->served == state_->expected && state_->allAccountedFor(); });
-            }
+            std::unique_lock lock(state_->mutex);
+            state_->granted.push_back(budget);
+            state_->await(lock,
+                          [&] { return state_->served == state_->expected && state_->allAccountedFor(); });
+            lock.unlock();
             if (!allIn()) system_.advance(budget);
         }
 

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cmath>
-
 #include "platform/linux/LinuxKernel.h"
-#include "platform/linux/MemInfo.h"
 
 namespace norvane {
 namespace {
@@ -12,33 +9,8 @@ namespace {
 // What must hold on whatever machine the tests run on.
 class LiveMachineTest : public testing::Test {
  protected:
-    RootFolder root{""};
-    LinuxKernel kernel{root, SystemCalls::real()};
+    LinuxKernel kernel{RootFolder(""), SystemCalls::real()};
 };
-
-TEST_F(LiveMachineTest, MemoryInUseIsDividedWithoutRest) {
-    if (root.read("/proc/spl/kstat/zfs/arcstats")) GTEST_SKIP() << "the cache of ZFS is not in MemAvailable";
-    const auto read = [this] { return parseMemInfo(root.read("/proc/meminfo").value_or("")); };
-    // Others use the same memory meanwhile: take a moment in which it stood still.
-    for (int attempt = 0; attempt < 1000; ++attempt) {
-        const MemInfo before = read();
-        const auto pages = kernel.hostPort().host_statistics64(TickToken::none(), SwapCounters::read);
-        const MemInfo after = read();
-        ASSERT_TRUE(pages && before.memTotal && before.memAvailable && after.memAvailable);
-        const double total = static_cast<double>(*before.memTotal);
-        const double used = total - static_cast<double>(*before.memAvailable);
-        const double usedAfter = total - static_cast<double>(*after.memAvailable);
-        if (std::abs(used - usedAfter) > total / 1000) continue;
-
-        const double parts =
-            static_cast<double>(pages->wire_count + pages->active_count + pages->compressor_page_count) *
-            static_cast<double>(kernel.hostPort().host_page_size());
-        EXPECT_NEAR(parts, used, total / 100);
-        EXPECT_EQ(kernel.processInfo().physicalMemory(TickToken::none()), *before.memTotal);
-        return;
-    }
-    FAIL() << "the memory never stood still";
-}
 
 TEST_F(LiveMachineTest, ThereIsAnEntryForEachProcessor) {
     const auto info = kernel.hostPort().host_processor_info({1});
@@ -52,9 +24,7 @@ TEST_F(LiveMachineTest, ThereIsAnEntryForEachProcessor) {
     const auto performance = number(SysctlNumber::hw_perflevel0_logicalcpu);
     const auto efficiency = number(SysctlNumber::hw_perflevel1_logicalcpu);
     EXPECT_EQ(performance.has_value(), efficiency.has_value());
-    if (performance && efficiency) {
-        EXPECT_EQ(*performance + *efficiency, static_cast<std::int64_t>(info->processorCount));
-    }
+    EXPECT_TRUE(!performance || *performance + efficiency.value_or(0) == sysconf(_SC_NPROCESSORS_ONLN));
 }
 
 TEST_F(LiveMachineTest, ProcessorTimePassesAtItsRateAndNeverBack) {

@@ -25,156 +25,90 @@ MemInfo ordinary() {
 TEST(MemoryFigures, DivideWhatIsUsedWithoutRest) {
     const auto figures = memoryFigures(ordinary(), {}, 0);
     ASSERT_TRUE(figures);
-    EXPECT_EQ(figures->used(), 600u);
-    EXPECT_EQ(figures->compressed, 0u);
-    EXPECT_EQ(figures->programs, 340u);
-    EXPECT_EQ(figures->wired, 260u);
     EXPECT_EQ(figures->fileCache, 360u);
     EXPECT_EQ(figures->purgeable, 20u);
-}
-
-TEST(MemoryFigures, BearOddMachines) {
-    struct Case {
-        const char* name;
-        void (*change)(MemInfo&);
-        std::optional<ArcStats> arc;
-        std::uint64_t zram;
-        std::uint64_t used, compressed, programs, wired;
+    const auto expect = [](const char* name, const MemInfo& info, const std::optional<ArcStats>& arc,
+                           std::uint64_t zram, const std::vector<std::uint64_t>& want) {
+        const MemoryFigures found = memoryFigures(info, arc, zram).value_or(MemoryFigures());
+        EXPECT_EQ((std::vector{found.used(), found.compressed, found.programs, found.wired}), want) << name;
     };
-    for (const Case& c : {
-             Case{"no estimate by the kernel",
-                  [](MemInfo& i) { i.memAvailable.reset(); },
-                  {},
-                  0,
-                  520,
-                  0,
-                  340,
-                  180},
-             Case{"the kernel's estimate is 0",
-                  [](MemInfo& i) { i.memAvailable = 0; },
-                  {},
-                  0,
-                  1000,
-                  0,
-                  340,
-                  660},
-             Case{"more available than there is",
-                  [](MemInfo& i) { i.memAvailable = 1001; },
-                  {},
-                  0,
-                  0,
-                  0,
-                  0,
-                  0},
-             Case{"zram", [](MemInfo&) {}, {}, 70, 600, 70, 340, 190},
-             Case{"zswap and zram", [](MemInfo& i) { i.zswap = 30; }, {}, 70, 600, 100, 340, 160},
-             Case{"more compressed than used", [](MemInfo&) {}, {}, 5000, 600, 600, 0, 0},
-             Case{"programs above the rest", [](MemInfo& i) { i.anonPages = 590; }, {}, 70, 600, 70, 530, 0},
-             Case{"the cache of ZFS", [](MemInfo&) {}, ArcStats{300, 100}, 0, 400, 0, 340, 60},
-             Case{"a small cache of ZFS is in use", [](MemInfo&) {}, ArcStats{90, 100}, 0, 600, 0, 340, 260},
-             Case{"a cache of ZFS beyond all bounds", [](MemInfo&) {}, ArcStats{~0ull, 0}, 0, 0, 0, 0, 0},
-             Case{"shared memory above the cache", [](MemInfo& i) { i.shmem = 900; }, {}, 0, 600, 0, 600, 0},
-             Case{"a pool of huge pages", [](MemInfo& i) { i.memAvailable = 200; }, {}, 0, 800, 0, 340, 460},
-         }) {
+    const auto with = [](std::optional<std::uint64_t> MemInfo::*line, std::optional<std::uint64_t> value) {
         MemInfo info = ordinary();
-        c.change(info);
-        const auto figures = memoryFigures(info, c.arc, c.zram);
-        ASSERT_TRUE(figures) << c.name;
-        EXPECT_EQ(figures->used(), c.used) << c.name;
-        EXPECT_EQ(figures->compressed, c.compressed) << c.name;
-        EXPECT_EQ(figures->programs, c.programs) << c.name;
-        EXPECT_EQ(figures->wired, c.wired) << c.name;
-    }
-}
-
-TEST(MemoryFigures, PreferTheWiderCountOfReclaimableCaches) {
-    MemInfo info = ordinary();
-    info.kReclaimable = 33;
-    EXPECT_EQ(memoryFigures(info, {}, 0)->purgeable, 33u);
-}
-
-TEST(MemoryFigures, NeedATotal) {
-    MemInfo info = ordinary();
-    info.memTotal.reset();
-    EXPECT_FALSE(memoryFigures(info, {}, 0));
-    info.memTotal = 0;
-    EXPECT_FALSE(memoryFigures(info, {}, 0));
+        info.*line = value;
+        return info;
+    };
+    // Used; compressed, programs, wired.
+    expect("ordinary", ordinary(), {}, 0, {600, 0, 340, 260});
+    expect("no estimate by the kernel", with(&MemInfo::memAvailable, {}), {}, 0, {520, 0, 340, 180});
+    expect("the kernel's estimate is 0", with(&MemInfo::memAvailable, 0), {}, 0, {1000, 0, 340, 660});
+    expect("more available than there is", with(&MemInfo::memAvailable, 1001), {}, 0, {0, 0, 0, 0});
+    expect("zswap and zram", with(&MemInfo::zswap, 30), {}, 70, {600, 100, 340, 160});
+    expect("more compressed than used", ordinary(), {}, 5000, {600, 600, 0, 0});
+    expect("programs above the rest", with(&MemInfo::anonPages, 590), {}, 70, {600, 70, 530, 0});
+    expect("the cache of ZFS", ordinary(), ArcStats{300, 100}, 0, {400, 0, 340, 60});
+    expect("a small cache of ZFS is in use", ordinary(), ArcStats{90, 100}, 0, {600, 0, 340, 260});
+    expect("a cache of ZFS beyond all bounds", ordinary(), ArcStats{~0ull, 0}, 0, {0, 0, 0, 0});
+    expect("shared memory above the cache", with(&MemInfo::shmem, 900), {}, 0, {600, 0, 600, 0});
+    EXPECT_EQ(memoryFigures(with(&MemInfo::kReclaimable, 33), {}, 0)->purgeable, 33u) << "the wider count";
+    EXPECT_FALSE(memoryFigures(with(&MemInfo::memTotal, {}), {}, 0));
+    EXPECT_FALSE(memoryFigures(with(&MemInfo::memTotal, 0), {}, 0));
 }
 
 TEST(MemoryPressureLevel, ChangesAtEachThreshold) {
-    struct Case {
-        const char* name;
-        std::uint64_t total, available, swapTotal, swapFree;
-        std::optional<Pressure> pressure;
-        int want;
-    };
     constexpr std::uint64_t kSmall = 1000 * kMiB;       // shares decide
     constexpr std::uint64_t kLarge = 64 * 1024 * kMiB;  // caps decide
-    constexpr Pressure kCalm{};
-    for (const Case& c : {
-             Case{"plenty", kSmall, 800 * kMiB, 0, 0, kCalm, 1},
-             Case{"just above 10 %", kSmall, 100 * kMiB + 1, 0, 0, kCalm, 1},
-             Case{"10 %", kSmall, 100 * kMiB, 0, 0, kCalm, 2},
-             Case{"just above 4 %", kSmall, 40 * kMiB + 1, 0, 0, kCalm, 2},
-             Case{"4 %", kSmall, 40 * kMiB, 0, 0, kCalm, 4},
-             Case{"nothing", kSmall, 0, 0, 0, kCalm, 4},
-             Case{"just above the warning cap", kLarge, 1536 * kMiB + 1, 0, 0, kCalm, 1},
-             Case{"the warning cap", kLarge, 1536 * kMiB, 0, 0, kCalm, 2},
-             Case{"just above the critical cap", kLarge, 400 * kMiB + 1, 0, 0, kCalm, 2},
-             Case{"the critical cap", kLarge, 400 * kMiB, 0, 0, kCalm, 4},
-             Case{"free swap relieves", kSmall, 0, 1000, 101, kCalm, 1},
-             Case{"10 % of free swap does not", kSmall, 40 * kMiB, 1000, 100, kCalm, 4},
-             Case{"stalls of some just below 10 %", kSmall, 500 * kMiB, 1000, 1000, Pressure{999, 0}, 1},
-             Case{"stalls of some", kSmall, 500 * kMiB, 1000, 1000, Pressure{1000, 0}, 2},
-             Case{"stalls of all just below 20 %", kSmall, 500 * kMiB, 1000, 1000, Pressure{1999, 1999}, 2},
-             Case{"stalls of all", kSmall, 500 * kMiB, 1000, 1000, Pressure{2000, 2000}, 4},
-             Case{"stalls with more than half available", kSmall, 500 * kMiB + 1, 0, 0, Pressure{9000, 9000},
-                  1},
-             Case{"one control group at its limit", kSmall, 900 * kMiB, 0, 0, Pressure{6000, 6000}, 1},
-             Case{"no pressure information, plenty", kSmall, 500 * kMiB, 0, 0, {}, 1},
-             Case{"no pressure information, little", kSmall, 100 * kMiB, 0, 0, {}, 2},
-             Case{"no pressure information, hardly any", kSmall, 40 * kMiB, 0, 0, {}, 4},
-         }) {
+    const auto level = [](std::uint64_t total, std::uint64_t available, std::uint64_t swapTotal = 0,
+                          std::uint64_t swapFree = 0, std::optional<Pressure> pressure = Pressure{}) {
         MemoryFigures memory;
-        memory.total = c.total;
-        memory.available = c.available;
-        memory.swapTotal = c.swapTotal;
-        memory.swapFree = c.swapFree;
-        EXPECT_EQ(memoryPressureLevel(memory, c.pressure), c.want) << c.name;
-    }
+        memory.total = total;
+        memory.available = available;
+        memory.swapTotal = swapTotal;
+        memory.swapFree = swapFree;
+        return memoryPressureLevel(memory, pressure);
+    };
+    EXPECT_EQ(level(kSmall, 100 * kMiB + 1), 1);
+    EXPECT_EQ(level(kSmall, 100 * kMiB), 2) << "10 %";
+    EXPECT_EQ(level(kSmall, 40 * kMiB + 1), 2);
+    EXPECT_EQ(level(kSmall, 40 * kMiB), 4) << "4 %";
+    EXPECT_EQ(level(kSmall, 0), 4);
+    EXPECT_EQ(level(kLarge, 1536 * kMiB + 1), 1);
+    EXPECT_EQ(level(kLarge, 1536 * kMiB), 2);
+    EXPECT_EQ(level(kLarge, 400 * kMiB + 1), 2);
+    EXPECT_EQ(level(kLarge, 400 * kMiB), 4);
+    EXPECT_EQ(level(kSmall, 0, 1000, 101), 1) << "free swap relieves";
+    EXPECT_EQ(level(kSmall, 40 * kMiB, 1000, 100), 4) << "10 % of it does not";
+    EXPECT_EQ(level(kSmall, 500 * kMiB, 1000, 1000, Pressure{999, 0}), 1);
+    EXPECT_EQ(level(kSmall, 500 * kMiB, 1000, 1000, Pressure{1000, 0}), 2) << "stalls of some";
+    EXPECT_EQ(level(kSmall, 500 * kMiB, 1000, 1000, Pressure{1999, 1999}), 2);
+    EXPECT_EQ(level(kSmall, 500 * kMiB, 1000, 1000, Pressure{2000, 2000}), 4) << "stalls of all";
+    EXPECT_EQ(level(kSmall, 500 * kMiB + 1, 0, 0, Pressure{9000, 9000}), 1) << "one group at its own limit";
+    EXPECT_EQ(level(kSmall, 500 * kMiB, 0, 0, {}), 1) << "no pressure information";
+    EXPECT_EQ(level(kSmall, 100 * kMiB, 0, 0, {}), 2);
+    EXPECT_EQ(level(kSmall, 40 * kMiB, 0, 0, {}), 4);
 }
 
 TEST(SwapTraffic, LeavesOutWhatWentToZram) {
-    using Devices = std::vector<SwapTraffic::Device>;
+    using Counters = std::pair<std::uint64_t, std::uint64_t>;
     SwapTraffic traffic(4096);
-    const auto expect = [&](const char* what, std::uint64_t in, std::uint64_t out) {
-        EXPECT_EQ(traffic.swapins(), in) << what;
-        EXPECT_EQ(traffic.swapouts(), out) << what;
+    const auto after = [&](const VmStat& stat, const std::vector<SwapTraffic::Device>& devices) {
+        traffic.feed(stat, devices);
+        return Counters(traffic.swapins(), traffic.swapouts());
     };
-    traffic.feed({100, 1000}, Devices{{0, {800, 8000}}});
-    expect("the sums start with the kernel's", 100, 1000);
-    traffic.feed({110, 1005}, Devices{{0, {800 + 8 * 4, 8000}}});
-    expect("8 sectors are a page", 106, 1005);
-    traffic.feed({120, 1015}, Devices{{0, {0, 0}}});
-    expect("a reset device moved nothing", 116, 1015);
-    traffic.feed({121, 1016}, Devices{{0, {8 * 50, 8 * 50}}});
-    expect("more zram than swap is no step back", 116, 1015);
-    traffic.feed({131, 1026}, Devices{{0, {8 * 50, 8 * 50}}, {1, {80000, 80000}}});
-    expect("a new device takes nothing off", 126, 1025);
-    traffic.feed({141, 1036}, Devices{{0, {8 * 51, 8 * 50}}, {1, {80000, 80016}}});
-    expect("devices add up", 135, 1033);
-    traffic.feed({1, 2}, Devices{});
-    expect("counters that restart moved nothing", 135, 1033);
-    traffic.feed({4, 4}, Devices{});
-    expect("and go on", 138, 1035);
-}
+    EXPECT_EQ(after({100, 1000}, {{0, {800, 8000}}}), Counters(100, 1000))
+        << "the sums start with the kernel's";
+    EXPECT_EQ(after({110, 1005}, {{0, {832, 8000}}}), Counters(106, 1005)) << "8 sectors are a page";
+    EXPECT_EQ(after({120, 1015}, {{0, {0, 0}}}), Counters(116, 1015)) << "a reset device moved nothing";
+    EXPECT_EQ(after({121, 1016}, {{0, {400, 400}}}), Counters(116, 1015)) << "more than swap is no step back";
+    EXPECT_EQ(after({131, 1026}, {{0, {400, 400}}, {1, {80000, 80000}}}), Counters(126, 1025))
+        << "a new device";
+    EXPECT_EQ(after({141, 1036}, {{0, {408, 400}}, {1, {80000, 80016}}}), Counters(135, 1033))
+        << "they add up";
+    EXPECT_EQ(after({1, 2}, {}), Counters(135, 1033)) << "counters that restart moved nothing";
+    EXPECT_EQ(after({4, 4}, {}), Counters(138, 1035)) << "and go on";
 
-TEST(SwapTraffic, CountsInPagesOfTheMachine) {
-    SwapTraffic traffic(65536);
-    traffic.feed({0, 0}, {{0, {0, 0}}});
-    traffic.feed({10, 10}, {{0, {128 * 4, 128 * 10}}});
-    EXPECT_EQ(traffic.swapins(), 6u);
-    EXPECT_EQ(traffic.swapouts(), 0u);
+    traffic = SwapTraffic(65536);
+    after({0, 0}, {{0, {0, 0}}});
+    EXPECT_EQ(after({10, 10}, {{0, {128 * 4, 128 * 10}}}), Counters(6, 0)) << "in pages of the machine";
 }
 
 }  // namespace

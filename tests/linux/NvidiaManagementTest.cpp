@@ -70,16 +70,13 @@ class NvidiaManagementTest : public testing::Test {
 };
 
 TEST_F(NvidiaManagementTest, OpensTheLibraryForEachReadingAndLoadsItOnce) {
+    EXPECT_TRUE(management.read({}).empty());
+    EXPECT_EQ(loads, 0) << "not touched without a device";
     EXPECT_EQ(management.read({kFirst, kSecond}), (Percents{{kFirst, 40}, {kSecond, 70}}));
     EXPECT_EQ(management.read({kSecond}), (Percents{{kSecond, 70}}));
     EXPECT_EQ(loads, 1);
     EXPECT_EQ(inits, 2);
     EXPECT_EQ(shutdowns, 2);
-}
-
-TEST_F(NvidiaManagementTest, IsNotTouchedWithoutADevice) {
-    EXPECT_TRUE(management.read({}).empty());
-    EXPECT_EQ(loads, 0);
 }
 
 TEST_F(NvidiaManagementTest, AMissingLibraryIsLookedForAgainSeldom) {
@@ -96,31 +93,21 @@ TEST_F(NvidiaManagementTest, AMissingLibraryIsLookedForAgainSeldom) {
     EXPECT_TRUE(unheardOf.read({kFirst}).empty());
 }
 
-TEST_F(NvidiaManagementTest, ClosesTheLibraryThoughAQuestionFailed) {
-    struct Case {
-        const char* name;
-        const char* slot;
-        Device device;
+TEST_F(NvidiaManagementTest, ClosesWhatItOpenedThoughAQuestionFailedAndNothingElse) {
+    const auto expectSecondAlone = [this](const char* slot, const Device& device) {
+        first = device;
+        EXPECT_EQ(management.read({slot, kSecond}), (Percents{{kSecond, 70}})) << slot << device.percent;
+        EXPECT_EQ(shutdowns, inits);
     };
-    for (const Case& c : {
-             Case{"no such device", "0000:09:00.0", {kFirst, 40}},
-             Case{"no answer", kFirst, {kFirst, 40, 3}},
-             Case{"no percentage", kFirst, {kFirst, 101}},
-         }) {
-        first = c.device;
-        const int before = shutdowns;
-        EXPECT_EQ(management.read({c.slot, kSecond}), (Percents{{kSecond, 70}})) << c.name;
-        EXPECT_EQ(shutdowns, before + 1) << c.name;
-        EXPECT_EQ(inits, shutdowns) << c.name;
-    }
-}
-
-TEST_F(NvidiaManagementTest, NeitherAsksNorClosesWhatDidNotOpen) {
+    expectSecondAlone("0000:09:00.0", {kFirst, 40});
+    expectSecondAlone(kFirst, {kFirst, 40, 3});
+    expectSecondAlone(kFirst, {kFirst, 101});
+    EXPECT_EQ(shutdowns, 3);
     initResult = 9;
-    EXPECT_TRUE(management.read({kFirst}).empty());
-    EXPECT_EQ(shutdowns, 0);
+    EXPECT_TRUE(management.read({kSecond}).empty());
+    EXPECT_EQ(shutdowns, 3);
     initResult = 0;
-    EXPECT_EQ(management.read({kFirst}), (Percents{{kFirst, 40}}));
+    EXPECT_EQ(management.read({kSecond}), (Percents{{kSecond, 70}}));
 }
 
 TEST_F(NvidiaManagementTest, LeavesAnIdleDeviceAloneSoThatItCanSleep) {
@@ -136,20 +123,17 @@ TEST_F(NvidiaManagementTest, LeavesAnIdleDeviceAloneSoThatItCanSleep) {
     EXPECT_EQ(management.read({kFirst}), want) << "its 0 stands";
     EXPECT_EQ(inits, 5);
     EXPECT_EQ(management.read({kFirst, kSecond}), (Percents{{kFirst, 0}, {kSecond, 70}})) << "it alone";
-    system.advance(1s);
-    EXPECT_EQ(management.read({kFirst}), (Percents{{kFirst, 40}}));
-}
-
-TEST_F(NvidiaManagementTest, AStillIdleDeviceIsAskedOnceAPause) {
     first.percent = 0;
-    for (int reading = 0; reading < 5; ++reading)
-        management.read({kFirst});
+    inits = 0;
     for (int pause = 0; pause < 3; ++pause) {
-        system.advance(30s);
-        management.read({kFirst});
-        management.read({kFirst});
+        system.advance(pause == 0 ? 1s : 30s);
+        EXPECT_EQ(management.read({kFirst}), want);
+        EXPECT_EQ(management.read({kFirst}), want);
     }
-    EXPECT_EQ(inits, 8);
+    EXPECT_EQ(inits, 3) << "once a pause";
+    first.percent = 40;
+    system.advance(30s);
+    EXPECT_EQ(management.read({kFirst}), (Percents{{kFirst, 40}}));
 }
 
 TEST_F(NvidiaManagementTest, OnlyZeroesInARowMakeAPause) {

@@ -1,13 +1,20 @@
 #include "platform/linux/ReadBehind.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
+#include <atomic>
+#include <future>
 #include <optional>
+#include <set>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "FakeSystemCalls.h"
+#include "platform/linux/BlockingLaneWaiter.h"
 #include "platform/linux/SlowReading.h"
+#include "platform/linux/ThreadLane.h"
 
 namespace norvane {
 namespace {
@@ -15,19 +22,25 @@ namespace {
 using namespace std::chrono_literals;
 using Nanoseconds = std::chrono::nanoseconds;
 
-// A lane whose task runs when the test says so.
+// A source whose lane works when the test says so, and which counts its answers from 1.
+struct Source {
+    std::optional<Task> posted;
+    bool isDue = true;
+    bool fails = false;
+    int answers = 0;
+};
+
 class ManualLane final : public Lane {
  public:
-    using Slot = std::shared_ptr<std::optional<Task>>;
-    explicit ManualLane(Slot slot) : slot_(std::move(slot)) {}
+    explicit ManualLane(std::shared_ptr<Source> source) : source_(std::move(source)) {}
     bool post(Task task) override {
-        EXPECT_FALSE(*slot_) << "one request at a time";
-        slot_->emplace(std::move(task));
+        EXPECT_FALSE(source_->posted) << "one request at a time";
+        source_->posted.emplace(std::move(task));
         return true;
     }
 
  private:
-    Slot slot_;
+    std::shared_ptr<Source> source_;
 };
 
 // Grants time: the test says what happens meanwhile.
@@ -46,198 +59,221 @@ class ScriptedWaiter final : public LaneWaiter {
 
 class ReadBehindTest : public testing::Test {
  protected:
-    // A source that counts its answers from 1.
-    struct Source {
-        ManualLane::Slot slot = std::make_shared<std::optional<Task>>();
-        std::shared_ptr<bool> isDue = std::make_shared<bool>(true);
-        std::shared_ptr<int> answers = std::make_shared<int>(0);
-        std::unique_ptr<SlowReading<int>> reading;
-
-        bool isPosted() const { return slot->has_value(); }
-    };
-
-    Source makeSource(ReadBehind::AskedBy askedBy = nullptr) {
-        Source source;
-        source.reading = std::make_unique<SlowReading<int>>(
-            readBehind, std::make_unique<ManualLane>(source.slot), askedBy,
-            [this, answers = source.answers] {
-                system.advance(workTime);
-                return ++*answers;
-            },
-            0, [isDue = source.isDue](int, MonotonicInstant) { return *isDue; });
-        return source;
-    }
-
-    // The lane does its work and takes this long.
-    void finish(Source& source, Nanoseconds time) {
-        ASSERT_TRUE(source.isPosted());
-        workTime = time;
-        Task task = std::move(**source.slot);
-        source.slot->reset();
-        task();
-    }
+    using Reading = SlowReading<int>;
 
     FakeSystemCalls system;
     std::shared_ptr<ScriptedWaiter> waiter = std::make_shared<ScriptedWaiter>();
-    ReadBehind readBehind{waiter, system.calls.now};
+    std::optional<ReadBehind> readBehind{std::in_place, waiter, system.calls.now};
     Nanoseconds workTime{0};
+    std::shared_ptr<Source> a = std::make_shared<Source>();
+    std::shared_ptr<Source> b = std::make_shared<Source>();
+
+    std::unique_ptr<Reading> readingOf(const std::shared_ptr<Source>& source,
+                                       ReadBehind::AskedBy askedBy = nullptr) {
+        const auto read = [this, source] {
+            if (source->fails) throw std::runtime_error("no memory");
+            system.advance(workTime);
+            return ++source->answers;
+        };
+        return std::make_unique<Reading>(*readBehind, std::make_unique<ManualLane>(source), askedBy, read, 0,
+                                         [source](int, MonotonicInstant) { return source->isDue; });
+    }
+
+    // The lane does its work and takes this long, if it has any.
+    void finish(const std::shared_ptr<Source>& source, Nanoseconds time) {
+        workTime = time;
+        if (auto task = std::exchange(source->posted, std::nullopt)) (*task)();
+    }
 };
 
 TEST_F(ReadBehindTest, QuickSourcesAnswerWithinTheTickThatAsked) {
-    Source a = makeSource();
-    Source b = makeSource();
+    const auto first = readingOf(a);
+    const auto second = readingOf(b);
     waiter->meanwhile = [&](Nanoseconds) {
-        EXPECT_TRUE(a.isPosted() && b.isPosted()) << "all are asked before anyone waits";
+        EXPECT_TRUE(a->posted && b->posted) << "all are asked before anyone waits";
         finish(a, 10ms);
         finish(b, 1ms);
     };
-    EXPECT_EQ(a.reading->get({1}), 1);
-    EXPECT_EQ(b.reading->get({1}), 1);
+    EXPECT_EQ(first->get({1}), 1);
+    EXPECT_EQ(second->get({1}), 1);
     EXPECT_EQ(waiter->granted, std::vector<Nanoseconds>{45ms}) << "one wait for both";
-    EXPECT_EQ(a.reading->get({1}), 1) << "one question in a tick";
-    EXPECT_EQ(a.reading->get({2}), 2);
+    EXPECT_EQ(first->get({1}), 1) << "one question in a tick";
+    EXPECT_EQ(first->get({2}), 2);
 }
 
 TEST_F(ReadBehindTest, ASlowSourceAnswersLaterAndIsNotWaitedForUntilItIsQuickAgain) {
-    Source a = makeSource();
+    const auto slow = readingOf(a);
     waiter->meanwhile = [&](Nanoseconds budget) { system.advance(budget); };
-    EXPECT_EQ(a.reading->get({1}), 0) << "the neutral value before the first answer";
-    EXPECT_EQ(a.reading->get({2}), 0);
+    EXPECT_EQ(slow->get({1}), 0) << "the neutral value before the first answer";
+    EXPECT_EQ(slow->get({2}), 0);
     EXPECT_EQ(waiter->granted.size(), 1u) << "what is still busy is not asked again";
 
     finish(a, 200ms);
-    EXPECT_EQ(a.reading->get({3}), 1) << "the finished answer, while a new request is on its way";
-    EXPECT_TRUE(a.isPosted());
+    EXPECT_EQ(slow->get({3}), 1) << "the finished answer, while a new request is on its way";
+    EXPECT_TRUE(a->posted);
     EXPECT_EQ(waiter->granted.size(), 1u);
 
     finish(a, 45ms);
     waiter->meanwhile = [&](Nanoseconds) { finish(a, 1ms); };
-    EXPECT_EQ(a.reading->get({4}), 3);
+    EXPECT_EQ(slow->get({4}), 3);
     EXPECT_EQ(waiter->granted.size(), 2u) << "quick again, so waited for again";
 }
 
 TEST_F(ReadBehindTest, AStuckSourceTakesNothingElseWithIt) {
-    Source stuck = makeSource();
-    Source quick = makeSource();
+    const auto stuck = readingOf(a);
+    const auto quick = readingOf(b);
     waiter->meanwhile = [&](Nanoseconds budget) {
-        finish(quick, 1ms);
-        if (stuck.isPosted()) system.advance(budget - 1ms);
+        finish(b, 1ms);
+        if (a->posted) system.advance(budget - 1ms);
     };
     for (std::uint64_t tick = 1; tick <= 5; ++tick) {
-        EXPECT_EQ(stuck.reading->get({tick}), 0);
-        EXPECT_EQ(quick.reading->get({tick}), static_cast<int>(tick));
+        EXPECT_EQ(stuck->get({tick}), 0);
+        EXPECT_EQ(quick->get({tick}), static_cast<int>(tick));
     }
     EXPECT_EQ(waiter->granted.size(), 5u);
 }
 
-TEST_F(ReadBehindTest, ATickWaitsNoLongerThanItsBudgetInAll) {
-    Source first = makeSource();
-    Source second = makeSource();
-    Source third = makeSource();
-    *second.isDue = *third.isDue = false;
-    waiter->meanwhile = [&](Nanoseconds) { finish(first, 30ms); };
-    EXPECT_EQ(first.reading->get({1}), 1);
+TEST_F(ReadBehindTest, ATickWaitsNoLongerThanItsBudgetInAllAndOnlyForWhatIsDue) {
+    const auto first = readingOf(a);
+    const auto second = readingOf(b);
+    b->isDue = false;
+    waiter->meanwhile = [&](Nanoseconds) { finish(a, 30ms); };
+    EXPECT_EQ(second->get({1}), 0);
+    EXPECT_FALSE(b->posted);
+    EXPECT_EQ(first->get({1}), 1);
 
-    *second.isDue = *third.isDue = true;
+    const auto c = std::make_shared<Source>();
+    const auto third = readingOf(c);
+    b->isDue = true;
     waiter->meanwhile = [&](Nanoseconds budget) { system.advance(budget); };
-    EXPECT_EQ(second.reading->get({1}), 0);
-    EXPECT_EQ(third.reading->get({1}), 0);
+    EXPECT_EQ(second->get({1}), 0);
+    EXPECT_EQ(third->get({1}), 0);
     EXPECT_EQ(waiter->granted, (std::vector<Nanoseconds>{45ms, 15ms}));
-    EXPECT_TRUE(third.isPosted()) << "asked, though there is no time left to wait";
+    EXPECT_TRUE(c->posted) << "asked, though there is no time left to wait";
 }
 
 TEST_F(ReadBehindTest, ATickAsksBeforehandForAllThatItIsGoingToRead) {
-    Source always = makeSource();
-    Source volumes = makeSource(&TickReads::volumes);
-    Source battery = makeSource(&TickReads::battery);
+    const auto c = std::make_shared<Source>();
+    const auto always = readingOf(a);
+    const auto volumes = readingOf(b, &TickReads::volumes);
+    const auto battery = readingOf(c, &TickReads::battery);
     waiter->meanwhile = [&](Nanoseconds) {
-        if (always.isPosted()) finish(always, 1ms);
-        if (volumes.isPosted()) finish(volumes, 1ms);
-        if (battery.isPosted()) finish(battery, 1ms);
+        for (const auto& source : {a, b, c})
+            finish(source, 1ms);
     };
     const TickToken reading{1, {.volumes = true}};
-    EXPECT_EQ(always.reading->get(reading), 1);
-    EXPECT_EQ(*volumes.answers, 1) << "together with what every tick reads";
-    EXPECT_EQ(volumes.reading->get(reading), 1) << "and not once more";
+    EXPECT_EQ(always->get(reading), 1);
+    EXPECT_EQ(b->answers, 1) << "together with what every tick reads";
+    EXPECT_EQ(volumes->get(reading), 1) << "and not once more";
     EXPECT_EQ(waiter->granted.size(), 1u);
 
-    EXPECT_EQ(always.reading->get({2}), 2);
-    EXPECT_EQ(*volumes.answers, 1) << "a tick that does not read them asks for nothing";
-    EXPECT_EQ(battery.reading->get({2}), 1) << "what was not announced is asked when it is wanted";
-    EXPECT_EQ(battery.reading->get({3}), 2) << "also as the first question of a tick";
-    EXPECT_EQ(always.reading->get({3}), 3);
+    EXPECT_EQ(always->get({2}), 2);
+    EXPECT_EQ(b->answers, 1) << "a tick that does not read them asks for nothing";
+    EXPECT_EQ(battery->get({2}), 1) << "what was not announced is asked when it is wanted";
+    EXPECT_EQ(battery->get({3}), 2) << "also as the first question of a tick";
+    EXPECT_EQ(always->get({3}), 3);
 }
 
 TEST_F(ReadBehindTest, WhatIsReadSeldomIsAskedOnceAheadAndNotWaitedFor) {
-    Source volumes = makeSource(&TickReads::volumes);
-    Source always = makeSource();
-    volumes.reading->askAhead();
-    waiter->meanwhile = [&](Nanoseconds) { finish(always, 1ms); };
-    EXPECT_EQ(always.reading->get({1}), 1);
-    ASSERT_TRUE(volumes.isPosted());
+    const auto volumes = readingOf(b, &TickReads::volumes);
+    const auto always = readingOf(a);
+    volumes->askAhead();
+    waiter->meanwhile = [&](Nanoseconds) { finish(a, 1ms); };
+    EXPECT_EQ(always->get({1}), 1);
+    ASSERT_TRUE(b->posted);
     EXPECT_EQ(waiter->granted.size(), 1u);
-    EXPECT_EQ(always.reading->get({2}), 2) << "the other one goes on without it";
+    EXPECT_EQ(always->get({2}), 2) << "the other one goes on without it";
 
-    finish(volumes, 250ms);
-    EXPECT_EQ(always.reading->get({3}), 3);
-    EXPECT_FALSE(volumes.isPosted()) << "once";
-    waiter->meanwhile = [&](Nanoseconds) { finish(always, 1ms); };
+    finish(b, 250ms);
+    EXPECT_EQ(always->get({3}), 3);
+    EXPECT_FALSE(b->posted) << "once";
     const TickToken reading{4, {.volumes = true}};
-    EXPECT_EQ(always.reading->get(reading), 4);
-    EXPECT_EQ(volumes.reading->get(reading), 1) << "the answer from ahead, where the new one is too slow";
+    EXPECT_EQ(always->get(reading), 4);
+    EXPECT_EQ(volumes->get(reading), 1) << "the answer from ahead, where the new one is too slow";
 }
 
 TEST_F(ReadBehindTest, OutsideATickEachQuestionHasItsOwnRequestAndBudget) {
-    Source a = makeSource();
-    Source b = makeSource();
+    const auto first = readingOf(a);
+    const auto second = readingOf(b);
     waiter->meanwhile = [&](Nanoseconds) { finish(a, 30ms); };
-    EXPECT_EQ(a.reading->get(TickToken::none()), 1);
-    EXPECT_EQ(a.reading->get(TickToken::none()), 2);
+    EXPECT_EQ(first->get(TickToken::none()), 1);
+    EXPECT_EQ(first->get(TickToken::none()), 2);
     EXPECT_EQ(waiter->granted, (std::vector<Nanoseconds>{45ms, 45ms}));
-    EXPECT_FALSE(b.isPosted());
+    EXPECT_FALSE(b->posted);
 }
 
-TEST_F(ReadBehindTest, ASourceThatIsNotDueIsLeftAsleep) {
-    Source a = makeSource();
-    *a.isDue = false;
-    EXPECT_EQ(a.reading->get({1}), 0);
-    EXPECT_FALSE(a.isPosted());
-    EXPECT_TRUE(waiter->granted.empty());
+TEST_F(ReadBehindTest, AFailedReadingLeavesTheLastAnswerAndALateOneHarmsNobody) {
+    auto failing = readingOf(a);
+    waiter->meanwhile = [&](Nanoseconds) { finish(a, 1ms); };
+    EXPECT_EQ(failing->get({1}), 1);
+    a->fails = true;
+    EXPECT_EQ(failing->get({2}), 1);
+    EXPECT_EQ(failing->get({3}), 1);
+    EXPECT_EQ(waiter->granted.size(), 3u) << "and it is asked again";
+
+    waiter->meanwhile = [](Nanoseconds) {};
+    failing->get({4});
+    failing.reset();
+    readBehind.reset();
+    a->fails = false;
+    finish(a, 1ms);
+    EXPECT_EQ(a->answers, 2) << "when everything else has gone";
 }
 
-TEST_F(ReadBehindTest, AFailedReadingLeavesTheLastAnswer) {
-    auto slot = std::make_shared<std::optional<Task>>();
-    SlowReading<int> reading(
-        readBehind, std::make_unique<ManualLane>(slot), nullptr,
-        []() -> int { throw std::runtime_error("no memory"); }, 7,
-        [](int, MonotonicInstant) { return true; });
-    waiter->meanwhile = [&](Nanoseconds) {
-        Task task = std::move(**slot);
-        slot->reset();
-        task();
-    };
-    EXPECT_EQ(reading.get({1}), 7);
-    EXPECT_EQ(reading.get({2}), 7);
-    EXPECT_EQ(waiter->granted.size(), 2u) << "and it is asked again";
-}
-
-TEST_F(ReadBehindTest, AnAnswerMayComeWhenEverythingElseHasGone) {
-    ManualLane::Slot slot;
-    auto answered = std::make_shared<bool>(false);
-    {
-        ReadBehind gone(waiter, system.calls.now);
-        slot = std::make_shared<std::optional<Task>>();
-        SlowReading<int> reading(
-            gone, std::make_unique<ManualLane>(slot), nullptr,
-            [answered] {
-                *answered = true;
-                return 1;
-            },
-            0, [](int, MonotonicInstant) { return true; });
-        reading.get({1});
+TEST(ThreadLane, RunsTasksOnOneThreadOfItsOwnThatTakesNoSignals) {
+    ThreadLane lane("test");
+    std::set<std::thread::id> threads{std::this_thread::get_id()};
+    for (int task = 0; task < 2; ++task) {
+        const auto done = std::make_shared<std::promise<std::pair<std::thread::id, bool>>>();
+        ASSERT_TRUE(lane.post([done] {
+            sigset_t mask;
+            pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+            done->set_value({std::this_thread::get_id(), sigismember(&mask, SIGTERM) == 1});
+        }));
+        const auto [thread, isBlocked] = done->get_future().get();
+        threads.insert(thread);
+        EXPECT_TRUE(isBlocked);
     }
-    (**slot)();
-    EXPECT_TRUE(*answered);
+    EXPECT_EQ(threads.size(), 2u);
+}
+
+// What a stuck source shares with its test.
+struct Stuck {
+    std::promise<void> begun;
+    std::promise<void> released;
+    std::promise<void> ended;
+    std::atomic<bool> ranWaiting{false};
+};
+
+TEST(ThreadLane, GoesAwayWithoutWaitingForAStuckTaskAndDropsTheNext) {
+    const auto stuck = std::make_shared<Stuck>();
+    auto lane = std::make_optional<ThreadLane>("test");
+    ASSERT_TRUE(lane->post([stuck] {
+        stuck->begun.set_value();
+        stuck->released.get_future().wait();
+        stuck->ended.set_value();
+    }));
+    stuck->begun.get_future().wait();
+    EXPECT_TRUE(lane->post([stuck] { stuck->ranWaiting = true; })) << "one may wait";
+    EXPECT_FALSE(lane->post([] {})) << "but not two";
+
+    lane.reset();
+    stuck->released.set_value();
+    stuck->ended.get_future().wait();
+    EXPECT_FALSE(stuck->ranWaiting);
+}
+
+TEST(BlockingLaneWaiter, WakesUpWhenAllIsInAndGivesUpAtTheEndOfTheBudget) {
+    BlockingLaneWaiter waiter;
+    std::atomic<bool> isIn{false};
+    std::thread other([&] {
+        isIn = true;
+        waiter.arrived();
+    });
+    waiter.wait([&] { return isIn.load(); }, 1h);
+    EXPECT_TRUE(isIn);
+    other.join();
+    waiter.wait([] { return false; }, 1ms);
 }
 
 }  // namespace

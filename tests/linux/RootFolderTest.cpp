@@ -60,20 +60,14 @@ TEST_P(RootFolderLinks, MayLoopOrDangle) {
 
 TEST(RootFolder, AnswersNothingForWhatIsMissingOrTooLong) {
     TemporaryFolder machine;
-    machine.write("/file", "12345");
-    EXPECT_EQ(machine.root().read("/file", 5), "12345");
-    EXPECT_EQ(machine.root().read("/file", 4), std::nullopt);
+    const std::string text(100'000, 'x');  // longer than any first buffer
+    machine.write("/file", text);
+    EXPECT_EQ(machine.root().read("/file", 100'000), text);
+    EXPECT_EQ(machine.root().read("/file", 99'999), std::nullopt);
     EXPECT_EQ(machine.root().read("/none"), std::nullopt);
     EXPECT_EQ(machine.root().read("/"), std::nullopt) << "a folder has no text";
     EXPECT_EQ(RootFolder(machine.path() + "/none").read("/file"), std::nullopt);
-    EXPECT_EQ(RootFolder("").read(machine.path() + "/file"), "12345");
-}
-
-TEST(RootFolder, ReadsTextsLongerThanItsFirstBuffer) {
-    TemporaryFolder machine;
-    const std::string text(100'000, 'x');
-    machine.write("/file", text);
-    EXPECT_EQ(machine.root().read("/file", 100'000), text);
+    EXPECT_EQ(RootFolder("").read(machine.path() + "/file", 100'000), text);
 }
 
 class KeptFileTest : public testing::Test {
@@ -84,40 +78,35 @@ class KeptFileTest : public testing::Test {
 
 TEST_F(KeptFileTest, SeesEachNewTextThroughOneDescriptor) {
     machine.write("/f", "one");
-    KeptFile file(machine.root(observer), "/f");
+    KeptFile file(machine.root(observer), "/f", 6);
     EXPECT_EQ(file.read(), "one");
     machine.write("/f", "three!");
     EXPECT_EQ(file.read(), "three!");
+    machine.write("/f", "1234567");
+    EXPECT_EQ(file.read(), std::nullopt) << "above the limit";
     machine.write("/f", "");
     EXPECT_EQ(file.read(), "");
     EXPECT_EQ(observer->opened.size(), 1u);
 }
 
-TEST_F(KeptFileTest, LooksAgainForAFileThatWasMissing) {
+TEST_F(KeptFileTest, LooksAgainForAFileThatWasMissingOrFailedForGood) {
     KeptFile file(machine.root(observer), "/f");
     EXPECT_EQ(file.read(), std::nullopt);
     EXPECT_FALSE(file.exists());
+    machine.makeFolder("/f");  // opens, but cannot be read
+    EXPECT_EQ(file.read(), std::nullopt);
+    machine.remove("/f");
     machine.write("/f", "there");
     EXPECT_EQ(file.read(), "there");
     EXPECT_TRUE(file.exists());
-}
 
-TEST_F(KeptFileTest, LooksSeldomForAFileThatHardlyAnyMachineHas) {
-    KeptFile file(machine.root(observer), "/f", 100, 3);
+    KeptFile rare(machine.root(observer), "/g", 100, 3);
+    observer->forget();
     for (int i = 0; i < 8; ++i)
-        EXPECT_EQ(file.read(), std::nullopt);
-    EXPECT_EQ(observer->opened.size(), 2u);
-    machine.write("/f", "x");
-    EXPECT_EQ(file.read(), "x");
-}
-
-TEST_F(KeptFileTest, OpensAgainAfterAFailureThatIsForGood) {
-    machine.makeFolder("/f");  // opens, but cannot be read
-    KeptFile file(machine.root(observer), "/f");
-    EXPECT_EQ(file.read(), std::nullopt);
-    machine.remove("/f");
-    machine.write("/f", "now");
-    EXPECT_EQ(file.read(), "now");
+        EXPECT_EQ(rare.read(), std::nullopt);
+    EXPECT_EQ(observer->opened.size(), 2u) << "seldom, where hardly any machine has it";
+    machine.write("/g", "x");
+    EXPECT_EQ(rare.read(), "x");
 }
 
 TEST_F(KeptFileTest, KeepsTheDescriptorThroughAFailureThatMayPass) {
@@ -127,14 +116,6 @@ TEST_F(KeptFileTest, KeepsTheDescriptorThroughAFailureThatMayPass) {
     EXPECT_EQ(file.read(), std::nullopt);
     EXPECT_TRUE(file.exists());
     EXPECT_EQ(observer->opened.size(), 1u);
-}
-
-TEST_F(KeptFileTest, GivesNothingOfATextAboveTheLimit) {
-    machine.write("/f", "12345");
-    KeptFile file(machine.root(), "/f", 4);
-    EXPECT_EQ(file.read(), std::nullopt);
-    machine.write("/f", "1234");
-    EXPECT_EQ(file.read(), "1234");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace norvane {
@@ -25,6 +26,11 @@ void TemporaryFolder::write(const std::string& file, std::string_view text) cons
     std::ofstream stream(path_ + file, std::ios::binary | std::ios::trunc);
     stream << text;
     if (!stream.flush()) throw std::runtime_error("cannot write " + file);
+}
+
+std::string TemporaryFolder::text(const std::string& file) const {
+    std::ifstream stream(path_ + file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void TemporaryFolder::link(const std::string& file, const std::string& target) const {

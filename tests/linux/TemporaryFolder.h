@@ -24,6 +24,8 @@ class TemporaryFolder {
     // Makes the folders above, too. A file that is there keeps its identity, so that who has it open sees the
     // new text, as with files of the kernel.
     void write(const std::string& file, std::string_view text) const;
+    // What is in a file, wherever links lead; empty where it cannot be read.
+    std::string text(const std::string& file) const;
     void link(const std::string& file, const std::string& target) const;
     void makeFolder(const std::string& folder) const;
     // A file, or a folder with all that is in it.

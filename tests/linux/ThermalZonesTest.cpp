@@ -4,7 +4,6 @@
 
 #include "CountingFileObserver.h"
 #include "FakeSystemCalls.h"
-#include "Fixture.h"
 #include "TemporaryFolder.h"
 
 namespace norvane {
@@ -70,54 +69,47 @@ TEST_F(ThermalZonesTest, JudgeAZoneByItsOwnTrips) {
     const std::vector<Trip> laptop{{"active", "50000"}, {"passive", "90000"}, {"critical", "105000"}};
     const std::vector<Trip> chassis{{"critical", "100000"}};
     const std::vector<Trip> withHot{{"passive", "80000"}, {"hot", "100000"}, {"critical", "110000"}};
-    const Device half{"Processor", "5", "10"};
-    struct Case {
-        const char* name;
-        const char* temperature;
-        std::vector<Trip> trips;
-        std::vector<Device> devices;
-        int want;
-    };
-    const std::vector<Case> cases{
-        {"just below 5 °C under passive", "84999", laptop, {}, 0},
-        {"5 °C under passive", "85000", laptop, {}, 1},
-        {"just below passive, though limited", "89999", laptop, {half}, 1},
-        {"passive", "90000", laptop, {}, 1},
-        {"passive and limited by half", "90000", laptop, {half}, 2},
-        {"limited by less than half", "90000", laptop, {{"Processor", "4", "10"}}, 1},
-        {"half of an odd number of states", "90000", laptop, {{"cpufreq-cpu0", "2", "3"}}, 2},
-        {"less than half of an odd number", "90000", laptop, {{"cpufreq-cpu0", "1", "3"}}, 1},
-        {"one of several devices", "90000", laptop, {{"Fan", "1", "1"}, {"thermal-devfreq-0", "9", "9"}}, 2},
-        {"a device without states", "90000", laptop, {{"Processor", "0", "0"}}, 1},
-        {"a fan at full speed", "90000", laptop, {{"Fan", "1", "1"}}, 1},
-        {"a setting in the guise of a device", "90000", laptop, {{"TCC Offset", "63", "63"}}, 1},
-        {"injected idling at rest", "90000", laptop, {{"intel_powerclamp", "-1", "50"}}, 1},
-        {"a state below 0", "90000", laptop, {{"Processor", "-1", "10"}}, 1},
-        {"limited while cool", "40000", laptop, {half}, 0},
-        {"just below 5 °C above passive", "94999", laptop, {}, 1},
-        {"5 °C above passive", "95000", laptop, {}, 2},
-        {"just below 5 °C under critical", "99999", laptop, {}, 2},
-        {"5 °C under critical", "100000", laptop, {}, 3},
-        {"just below 15 °C under critical", "84999", chassis, {}, 0},
-        {"15 °C under critical", "85000", chassis, {}, 1},
-        {"hot", "100000", withHot, {}, 3},
-        {"just below hot", "99999", withHot, {}, 2},
-        {"trips that were never set up",
-         "60000",
-         {{"passive", "0"}, {"critical", "-274000"}, {"hot", "-32768000"}, {"passive", "256000"}},
-         {},
-         0},
-        {"a broken trip beside a good one", "86000", {{"passive", "39999"}, {"passive", "90000"}}, {}, 1},
-        {"trips that are no numbers", "100000", {{"passive", "x"}, {"critical", ""}}, {}, 0},
-        {"a frozen sensor", "27800", laptop, {}, 0},
-        {"an impossible temperature", "150001", laptop, {}, 0},
-        {"a temperature that is none", "", laptop, {}, 0},
-    };
-    for (const Case& c : cases) {
+    const auto level = [this](const char* temperature, const std::vector<Trip>& trips,
+                              const std::vector<Device>& devices = {}) {
         machine.remove("/sys");
-        addZone(0, "acpitz", c.temperature, c.trips, c.devices);
-        EXPECT_EQ(ThermalZones(machine.root(), system.calls.now).read().level, c.want) << c.name;
-    }
+        addZone(0, "acpitz", temperature, trips, devices);
+        return ThermalZones(machine.root(), system.calls.now).read().level;
+    };
+    EXPECT_EQ(level("84999", laptop), 0);
+    EXPECT_EQ(level("85000", laptop), 1) << "5 °C under passive";
+    EXPECT_EQ(level("94999", laptop), 1);
+    EXPECT_EQ(level("95000", laptop), 2) << "5 °C above passive";
+    EXPECT_EQ(level("99999", laptop), 2);
+    EXPECT_EQ(level("100000", laptop), 3) << "5 °C under critical";
+    EXPECT_EQ(level("84999", chassis), 0);
+    EXPECT_EQ(level("85000", chassis), 1) << "15 °C under critical";
+    EXPECT_EQ(level("99999", withHot), 2);
+    EXPECT_EQ(level("100000", withHot), 3) << "hot";
+
+    EXPECT_EQ(level("89999", laptop, {{"Processor", "5", "10"}}), 1) << "just below passive, though limited";
+    EXPECT_EQ(level("90000", laptop, {{"Processor", "5", "10"}}), 2) << "passive and limited by half";
+    EXPECT_EQ(level("90000", laptop, {{"Processor", "4", "10"}}), 1);
+    EXPECT_EQ(level("90000", laptop, {{"cpufreq-cpu0", "2", "3"}}), 2) << "half of an odd number of states";
+    EXPECT_EQ(level("90000", laptop, {{"cpufreq-cpu0", "1", "3"}}), 1);
+    EXPECT_EQ(level("90000", laptop, {{"Fan", "1", "1"}, {"thermal-devfreq-0", "9", "9"}}), 2)
+        << "one of several";
+    EXPECT_EQ(level("90000", laptop, {{"Processor", "0", "0"}}), 1) << "without states";
+    EXPECT_EQ(level("90000", laptop, {{"Fan", "1", "1"}}), 1) << "a fan at full speed";
+    EXPECT_EQ(level("90000", laptop, {{"TCC Offset", "63", "63"}}), 1)
+        << "a setting in the guise of a device";
+    EXPECT_EQ(level("90000", laptop, {{"intel_powerclamp", "-1", "50"}}), 1) << "injected idling at rest";
+    EXPECT_EQ(level("90000", laptop, {{"Processor", "-1", "10"}}), 1);
+    EXPECT_EQ(level("40000", laptop, {{"Processor", "5", "10"}}), 0) << "limited while cool";
+
+    EXPECT_EQ(level("60000",
+                    {{"passive", "0"}, {"critical", "-274000"}, {"hot", "-32768000"}, {"passive", "256000"}}),
+              0);
+    EXPECT_EQ(level("86000", {{"passive", "39999"}, {"passive", "90000"}}), 1)
+        << "a broken trip beside a good one";
+    EXPECT_EQ(level("100000", {{"passive", "x"}, {"critical", ""}}), 0);
+    EXPECT_EQ(level("27800", laptop), 0) << "a frozen sensor";
+    EXPECT_EQ(level("150001", laptop), 0) << "impossible";
+    EXPECT_EQ(level("", laptop), 0);
 }
 
 TEST_F(ThermalZonesTest, TheHottestZoneDecidesAndABrokenOneSpoilsNothing) {
@@ -151,39 +143,25 @@ TEST_F(ThermalZonesTest, ReadOnlyTemperaturesBetweenLooks) {
 }
 
 TEST_F(ThermalZonesTest, JudgeThrottlingByItsShareOfTheTime) {
-    struct Case {
-        const char* name;
-        const char* before;
-        const char* after;
-        int want;
-    };
-    for (const Case& c : {
-             Case{"not at all", "1000", "1000", 0},
-             Case{"just below 5 %", "1000", "1099", 0},
-             Case{"5 %", "1000", "1100", 1},
-             Case{"just below half", "1000", "1999", 1},
-             Case{"half", "1000", "2000", 2},
-             Case{"more than there was", "1000", "9000", 2},
-             Case{"the counter started anew", "1000", "900", 0},
-             Case{"the counter is no number", "1000", "", 0},
-         }) {
+    const auto level = [this](const char* after, std::chrono::seconds time = 2s) {
         machine.remove("/sys");
         setThrottled(0, 0, "5");
-        setThrottled(4, 1, c.before);
+        setThrottled(4, 1, "1000");
         ThermalZones fresh(machine.root(), system.calls.now);
-        EXPECT_EQ(fresh.read().level, 0) << c.name << ": nothing to compare with";
-        setThrottled(4, 1, c.after);
-        system.advance(2s);
-        EXPECT_EQ(fresh.read().level, c.want) << c.name;
-    }
-}
-
-TEST_F(ThermalZonesTest, ThrottlingIsFollowedAcrossALook) {
-    setThrottled(0, 0, "0");
-    zones.read();
-    system.advance(60s);
-    setThrottled(0, 0, "30000");
-    EXPECT_EQ(zones.read().level, 2);
+        EXPECT_EQ(fresh.read().level, 0) << after << ": nothing to compare with";
+        setThrottled(4, 1, after);
+        system.advance(time);
+        return fresh.read().level;
+    };
+    EXPECT_EQ(level("1000"), 0);
+    EXPECT_EQ(level("1099"), 0);
+    EXPECT_EQ(level("1100"), 1) << "5 %";
+    EXPECT_EQ(level("1999"), 1);
+    EXPECT_EQ(level("2000"), 2) << "half";
+    EXPECT_EQ(level("9000"), 2) << "more than there was";
+    EXPECT_EQ(level("900"), 0) << "the counter started anew";
+    EXPECT_EQ(level(""), 0);
+    EXPECT_EQ(level("31000", 60s), 2) << "across a look";
 }
 
 TEST_F(ThermalZonesTest, TheProcessorsOwnSensorsCountOnlyWithoutAnyZone) {
@@ -197,14 +175,10 @@ TEST_F(ThermalZonesTest, TheProcessorsOwnSensorsCountOnlyWithoutAnyZone) {
     machine.write(other + "temp1_input", "99000\n");
     machine.write(other + "temp1_crit", "80000\n");
 
-    struct Case {
-        const char* temperature;
-        int want;
-    };
-    for (const Case& c :
-         {Case{"89999\n", 0}, Case{"90000\n", 1}, Case{"99999\n", 1}, Case{"100000\n", 2}, Case{"\n", 0}}) {
-        machine.write(device + "temp1_input", c.temperature);
-        EXPECT_EQ(ThermalZones(machine.root(), system.calls.now).read().level, c.want) << c.temperature;
+    for (const auto& [temperature, want] : std::vector<std::pair<const char*, int>>{
+             {"89999\n", 0}, {"90000\n", 1}, {"99999\n", 1}, {"100000\n", 2}, {"\n", 0}}) {
+        machine.write(device + "temp1_input", temperature);
+        EXPECT_EQ(ThermalZones(machine.root(), system.calls.now).read().level, want) << temperature;
     }
     machine.write(device + "temp1_input", "100000\n");
     addZone(0, "acpitz", "30000", {{"passive", "90000"}});
@@ -227,17 +201,6 @@ TEST_F(ThermalZonesTest, AMachineWithoutSourcesIsAskedOnceAMinute) {
     const ThermalZones::Answer some = zones.read();
     EXPECT_TRUE(some.hasSources);
     EXPECT_TRUE(ThermalZones::isDue(some, *some.readAt + 1s));
-}
-
-TEST_F(ThermalZonesTest, ABoardWithLinksEverywhereIsRead) {
-    machine.copyFrom(fixture("arm-board-three-tiers"));
-    const std::string zone = "/sys/class/thermal/thermal_zone0/";
-    EXPECT_EQ(zones.read().level, 0);
-    EXPECT_TRUE(zones.read().hasSources);
-    machine.write(zone + "temp", "75000\n");
-    EXPECT_EQ(zones.read().level, 1);
-    machine.write("/sys/class/thermal/cooling_device0/cur_state", "4\n");
-    EXPECT_EQ(zones.read().level, 2);
 }
 
 }  // namespace

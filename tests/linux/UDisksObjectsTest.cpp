@@ -62,45 +62,37 @@ std::string callsAfterUnmount(const UDisksObjects& objects, const Devices& mount
 }
 
 TEST(UDisksObjects, KnowWhatIsLeftToDoOnceAFileSystemIsUnmounted) {
-    struct Case {
-        const char* words;
-        // The minors of what is mounted.
-        std::vector<std::uint32_t> mounted;
-        std::string calls;
-    };
-    const std::vector<Case> cases = {
-        {"a:1Dd d:ERP", {}, "d Eject d PowerOff "},
-        {"a:1Dd d:E", {}, "d Eject "},
-        {"a:1Dd d:RP", {}, "d PowerOff "},
-        {"a:1Dd d:P", {}, ""},
-        {"a:1Dd d:R", {}, ""},
-        {"a:1Dd d:ERP", {1}, ""},
-        {"a:1Dd b:2Dd d:ERP", {2}, ""},
-        {"a:1Dd b:2Dd d:ERP", {}, "d Eject d PowerOff "},
-        {"a:1Dd b:2De d:ERP e:ERP", {2}, "d Eject d PowerOff "},
-        {"a:1Dd d:ERPSx e:Sx", {}, "d Eject "},
-        {"a:1Dd d:ERPSx e:Sy", {}, "d Eject d PowerOff "},
-        {"a:1Cb b:2Dd d:ERP", {}, "b Lock d Eject d PowerOff "},
-        {"a:1Cb b:2Dd c:3Dd d:ERP", {3}, "b Lock "},
-        {"a:1Dd b:2Cc c:3Dd d:ERP", {2}, ""},
-        {"a:1Cb b:2Cc c:3Dd d:E", {}, "b Lock c Lock d Eject "},
-        {"a:1L", {}, "a Delete "},
-        {"a:1Tb b:2L", {}, "b Delete "},
-        {"a:1Tb b:2L c:3Tb", {3}, ""},
-        {"a:1Cb b:2L", {}, "b Lock b Delete "},
-        {"a:1 b:2", {2}, ""},
-        {"a:1Ca", {}, ""},
-        {"a:1Cb b:2Cc c:3Cb", {}, "b Lock c Lock "},
-        {"a:1Cx", {}, "x Lock "},
-        {"a:1Dx", {}, ""},
-        {"b:1Dd d:ERP", {}, ""},
-    };
-    for (const Case& each : cases) {
+    // The minors of what is mounted.
+    const auto expect = [](const char* words, const std::vector<std::uint32_t>& minors, const char* calls) {
         Devices mounted;
-        for (const std::uint32_t minor : each.mounted)
+        for (const std::uint32_t minor : minors)
             mounted.push_back({8, minor});
-        EXPECT_EQ(callsAfterUnmount(parsed(objects(each.words)), mounted), each.calls) << each.words;
-    }
+        EXPECT_EQ(callsAfterUnmount(parsed(objects(words)), mounted), calls) << words;
+    };
+    expect("a:1Dd d:ERP", {}, "d Eject d PowerOff ");
+    expect("a:1Dd d:E", {}, "d Eject ");
+    expect("a:1Dd d:RP", {}, "d PowerOff ");
+    expect("a:1Dd d:P", {}, "");
+    expect("a:1Dd d:R", {}, "");
+    expect("a:1Dd d:ERP", {1}, "");
+    expect("a:1Dd b:2Dd d:ERP", {2}, "");
+    expect("a:1Dd b:2Dd d:ERP", {}, "d Eject d PowerOff ");
+    expect("a:1Dd b:2De d:ERP e:ERP", {2}, "d Eject d PowerOff ");
+    expect("a:1Dd d:ERPSx e:Sx", {}, "d Eject ");
+    expect("a:1Dd d:ERPSx e:Sy", {}, "d Eject d PowerOff ");
+    expect("a:1Cb b:2Dd c:3Dd d:ERP", {3}, "b Lock ");
+    expect("a:1Dd b:2Cc c:3Dd d:ERP", {2}, "");
+    expect("a:1Cb b:2Cc c:3Dd d:E", {}, "b Lock c Lock d Eject ");
+    expect("a:1L", {}, "a Delete ");
+    expect("a:1Tb b:2L", {}, "b Delete ");
+    expect("a:1Tb b:2L c:3Tb", {3}, "");
+    expect("a:1Cb b:2L", {}, "b Lock b Delete ");
+    expect("a:1 b:2", {2}, "");
+    expect("a:1Ca", {}, "");
+    expect("a:1Cb b:2Cc c:3Cb", {}, "b Lock c Lock ");
+    expect("a:1Cx", {}, "x Lock ");
+    expect("a:1Dx", {}, "");
+    expect("b:1Dd d:ERP", {}, "");
 }
 
 TEST(UDisksObjects, BearWhateverTheyAreMadeOf) {

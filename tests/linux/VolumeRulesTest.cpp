@@ -18,21 +18,16 @@ Mount mountAt(const char* point, const char* type = "ext4") {
 }
 
 TEST(VolumeRules, KnownTypesOnlyAreVolumesExceptForTheRoot) {
-    for (const char* type : {"ext2", "ext3", "ext4",     "xfs",     "btrfs",   "f2fs",  "bcachefs", "jfs",
-                             "zfs",  "vfat", "reiserfs", "nilfs2",  "msdos",   "exfat", "ntfs",     "ntfs3",
-                             "hfs",  "apfs", "fuseblk",  "hfsplus", "iso9660", "minix", "ufs",      "udf"}) {
+    for (const char* type : {"ext4", "xfs", "btrfs", "zfs", "vfat", "ntfs3", "fuseblk", "iso9660"}) {
         EXPECT_TRUE(isVolume(mountAt("/home", type), {})) << type;
         EXPECT_FALSE(mayHang(mountAt("/home", type))) << type;
     }
-    for (const char* type :
-         {"nfs", "nfs4", "cifs", "smb3", "ceph", "afs", "9p", "virtiofs", "glusterfs", "fuse.sshfs",
-          "fuse.rclone", "fuse.mergerfs", "fuse.gocryptfs", "fuse.ntfs-3g", "fuse.glusterfs", "fuse.s3fs"}) {
+    for (const char* type : {"nfs", "nfs4", "cifs", "9p", "fuse.sshfs", "fuse.ntfs-3g", "fuse.s3fs"}) {
         EXPECT_TRUE(isVolume(mountAt("/home", type), {})) << type;
         EXPECT_TRUE(mayHang(mountAt("/home", type))) << type;
     }
     for (const char* type :
-         {"tmpfs", "proc", "sysfs", "squashfs", "erofs", "overlay", "fuse.portal", "fuse.lxcfs",
-          "fuse.gvfsd-fuse", "fuse", "ramfs", "cgroup2", "", "ext", "ext44", "EXT4"}) {
+         {"tmpfs", "squashfs", "overlay", "fuse.portal", "fuse.gvfsd-fuse", "fuse", "", "ext44", "EXT4"}) {
         EXPECT_FALSE(isVolume(mountAt("/home", type), {})) << type;
         EXPECT_FALSE(isVolume(mountAt("/home", type), {.show = true})) << type;
         EXPECT_TRUE(isVolume(mountAt("/", type), {})) << type;
@@ -42,23 +37,17 @@ TEST(VolumeRules, KnownTypesOnlyAreVolumesExceptForTheRoot) {
 }
 
 TEST(VolumeRules, FoldersOfTheSystemAreNoVolumes) {
-    for (const char* point :
-         {"/", "/home", "/mnt/data", "/media/ada/STICK", "/run/media/ada/STICK", "/srv", "/opt", "/data/b.c",
-          "/boots", "/usr2", "/tmpfiles", "/var/mail", "/variety", "/root/x", "/nix", "/sysroots"}) {
+    for (const char* point : {"/", "/home", "/media/ada/STICK", "/run/media/ada/STICK", "/data/b.c", "/boots",
+                              "/usr2", "/tmpfiles", "/var/mail", "/root/x", "/nix", "/sysroots"}) {
         EXPECT_TRUE(isVolume(mountAt(point), {})) << point;
     }
     for (const char* point : {"/boot",
                               "/boot/efi",
-                              "/efi",
-                              "/usr",
                               "/usr/local",
-                              "/etc",
                               "/etc/hosts",
                               "/var",
                               "/var/lib/docker",
-                              "/var/cache/x",
                               "/var/log/x",
-                              "/var/tmp/x",
                               "/tmp",
                               "/tmp/x",
                               "/root",
@@ -69,13 +58,9 @@ TEST(VolumeRules, FoldersOfTheSystemAreNoVolumes) {
                               "/run/media",
                               "/snap/core/1",
                               "/nix/store",
-                              "/gnu/store",
-                              "/ostree/x",
-                              "/sysroot",
                               "/sysroot/x",
                               "/home/ada/.cache",
                               "/.snapshots",
-                              "/run/media/ada/.hidden",
                               "/a/.b/c"}) {
         EXPECT_FALSE(isVolume(mountAt(point), {})) << point;
         EXPECT_TRUE(isVolume(mountAt(point), {.show = true})) << point;
@@ -97,29 +82,23 @@ TEST(VolumeRules, OneMountStandsForEachFileSystem) {
         result.source = source;
         return result;
     };
-    struct Case {
-        const char* name;
-        std::vector<Mount> mounts;
-        std::vector<std::size_t> want;
-    };
-    const std::vector<Case> cases{
-        {"none", {}, {}},
-        {"different ones, in their order", {mount(2, "/", "/b"), mount(1, "/", "/a")}, {0, 1}},
-        {"/ before all", {mount(1, "/", "/h"), mount(1, "/@", "/"), mount(1, "/@home", "/home")}, {1}},
-        {"the whole before a part", {mount(1, "/sub", "/a"), mount(1, "/", "/longer")}, {1}},
-        {"the shortest", {mount(1, "/x", "/abc"), mount(1, "/y", "/ab"), mount(1, "/z", "/abcd")}, {1}},
-        {"the first", {mount(1, "/", "/a"), mount(1, "/", "/b")}, {0}},
-        {"datasets of two pools",
-         {dataset(1, "tank/home", "/home"), dataset(2, "tank", "/tank"), dataset(3, "tank2", "/t"),
-          dataset(4, "tank/root/a", "/")},
-         {2, 3}},
-    };
-    for (const Case& c : cases) {
+    const auto expect = [](const char* name, const std::vector<Mount>& mounts,
+                           const std::vector<std::size_t>& want) {
         std::vector<const Mount*> pointers;
-        for (const Mount& each : c.mounts)
+        for (const Mount& each : mounts)
             pointers.push_back(&each);
-        EXPECT_EQ(onePerFileSystem(pointers), c.want) << c.name;
-    }
+        EXPECT_EQ(onePerFileSystem(pointers), want) << name;
+    };
+    expect("none", {}, {});
+    expect("different ones, in their order", {mount(2, "/", "/b"), mount(1, "/", "/a")}, {0, 1});
+    expect("/ before all", {mount(1, "/", "/h"), mount(1, "/@", "/"), mount(1, "/@home", "/home")}, {1});
+    expect("the whole before a part", {mount(1, "/sub", "/a"), mount(1, "/", "/longer")}, {1});
+    expect("the shortest", {mount(1, "/x", "/abc"), mount(1, "/y", "/ab"), mount(1, "/z", "/abcd")}, {1});
+    expect("the first", {mount(1, "/", "/a"), mount(1, "/", "/b")}, {0});
+    expect("datasets of two pools",
+           {dataset(1, "tank/home", "/home"), dataset(2, "tank", "/tank"), dataset(3, "tank2", "/t"),
+            dataset(4, "tank/root/a", "/")},
+           {2, 3});
 }
 
 }  // namespace

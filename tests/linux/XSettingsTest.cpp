@@ -18,36 +18,28 @@ XSettingsBytes some() {
 }
 
 TEST(XSettings, AreTakenFromAmongOthersInEitherByteOrder) {
-    const struct {
-        const char* name;
-        XSettingsBytes bytes;
-        XSettings wanted;
-    } cases[] = {
-        {"none", some(), {}},
-        {"others", some().integer("Xft/DPI", 98304).color("Some/Color").string("Gtk/FontName", "Sans"), {}},
-        {"no animations", some().integer(kAnimations, 0), {.reducesMotion = true}},
-        {"animations", some().integer(kAnimations, 1), {}},
-        {"behind others",
-         some().color("C").string("Net/IconThemeName", "x-dark").string("", "").integer(kAnimations, 0),
-         {.reducesMotion = true}},
-        {"texts for numbers", some().string(kAnimations, "0").string(kPrefersDark, "1"), {}},
-        {"a number and a colour for texts", some().integer(kTheme, 1).color(kOtherTheme), {}},
-        {"said twice", some().integer(kAnimations, 0).integer(kAnimations, 1), {}},
-        {"a dark theme", some().string(kTheme, "Plain-dark"), {.isDark = true}},
-        {"another dark theme", some().string(kTheme, "Plain-Dark"), {.isDark = true}},
-        {"not quite dark", some().string(kTheme, "Plain-Darker"), {}},
-        {"no variant", some().string(kTheme, "Dark"), {}},
-        {"by its other name", some().string(kOtherTheme, "Plain-dark"), {.isDark = true}},
-        {"by both names", some().string(kOtherTheme, "Plain-dark").string(kTheme, "Plain"), {}},
-        {"dark preferred", some().integer(kPrefersDark, 1).string(kTheme, "Plain"), {.isDark = true}},
-        {"dark not preferred", some().integer(kPrefersDark, 0).string(kTheme, "x-dark"), {.isDark = true}},
-        {"both", some().integer(kAnimations, 0).string(kTheme, "Plain-dark"), kBoth},
+    using Order = XSettingsBytes::Order;
+    const auto expect = [](const char* name, const XSettingsBytes& bytes, const XSettings& wanted) {
+        EXPECT_EQ(parseXSettings(bytes.whole()), wanted) << name;
+        EXPECT_EQ(parseXSettings(bytes.whole(Order::bigEndian)), wanted) << name << ", the other byte order";
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(parseXSettings(c.bytes.whole()), c.wanted) << c.name;
-        EXPECT_EQ(parseXSettings(c.bytes.whole(XSettingsBytes::Order::bigEndian)), c.wanted)
-            << c.name << ", the other byte order";
-    }
+    expect("none", some(), {});
+    expect("others", some().integer("Xft/DPI", 98304).color("Some/Color").string("Gtk/FontName", "Sans"), {});
+    expect("animations", some().integer(kAnimations, 1), {});
+    expect("behind others",
+           some().color("C").string("Net/IconThemeName", "x-dark").string("", "").integer(kAnimations, 0),
+           {.reducesMotion = true});
+    expect("texts for numbers", some().string(kAnimations, "0").string(kPrefersDark, "1"), {});
+    expect("a number and a colour for texts", some().integer(kTheme, 1).color(kOtherTheme), {});
+    expect("said twice", some().integer(kAnimations, 0).integer(kAnimations, 1), {});
+    expect("a dark theme", some().string(kTheme, "Plain-Dark"), {.isDark = true});
+    expect("not quite dark", some().string(kTheme, "Plain-Darker"), {});
+    expect("no variant", some().string(kTheme, "Dark"), {});
+    expect("by its other name", some().string(kOtherTheme, "Plain-dark"), {.isDark = true});
+    expect("by both names", some().string(kOtherTheme, "Plain-dark").string(kTheme, "Plain"), {});
+    expect("dark preferred", some().integer(kPrefersDark, 1).string(kTheme, "Plain"), {.isDark = true});
+    expect("dark not preferred", some().integer(kPrefersDark, 0).string(kTheme, "x-dark"), {.isDark = true});
+    expect("both", some().integer(kAnimations, 0).string(kTheme, "Plain-dark"), kBoth);
 }
 
 TEST(XSettings, SayNothingWhereTheyAreBroken) {
@@ -58,21 +50,12 @@ TEST(XSettings, SayNothingWhereTheyAreBroken) {
     for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_EQ(parseXSettings(whole.substr(0, size)), XSettings()) << size << " bytes of them";
 
-    const struct {
-        const char* name;
-        std::string bytes;
-    } cases[] = {
-        {"more than there are", good.withCount(3)},
-        {"far more than there are", good.withCount(0xFFFFFFFF)},
-        {"a byte order of its own", 'B' + whole.substr(1)},
-        {"the other byte order", '\1' + whole.substr(1)},
-        {"an unknown type", XSettingsBytes(good).setting({3, "Some/Thing", 0, {}}).whole()},
-        {"an endless text", XSettingsBytes(good).setting({1, "Some/Text", 0xFFFFFFFF, {}}).whole()},
-        {"a name beyond the end", good.withCount(3) + std::string("\0\0\xFF\xFF", 4)},
-        {"all ones", std::string(4096, '\xFF')},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(parseXSettings(c.bytes), XSettings()) << c.name;
+    for (const std::string& broken :
+         {good.withCount(3), good.withCount(0xFFFFFFFF), 'B' + whole.substr(1),
+          XSettingsBytes(good).setting({3, "Some/Thing", 0, {}}).whole(),
+          XSettingsBytes(good).setting({1, "Some/EndlessText", 0xFFFFFFFF, {}}).whole()}) {
+        EXPECT_EQ(parseXSettings(broken), XSettings()) << testing::PrintToString(broken);
+    }
 }
 
 }  // namespace

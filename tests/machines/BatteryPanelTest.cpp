@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -39,9 +38,8 @@ Told panelOn(const TemporaryFolder& files) {
     Told told;
     for (const AccessibleNode& node : panel.nodes())
         told.push_back(node.name + (node.value.empty() ? "" : ": " + node.value));
-    const auto first = std::find_if(
-        told.begin(), told.end(), [](const std::string& line) { return line.starts_with("Battery Level"); });
-    told.erase(told.begin(), first);
+    while (!told.empty() && !told.front().starts_with("Battery Level"))
+        told.erase(told.begin());
     if (!told.empty()) told.pop_back();  // "Quit"
     return told;
 }

@@ -23,14 +23,6 @@ TEST(Cancellation, EndsOnceHoweverOftenItIsAsked) {
     Cancellation().cancel();
 }
 
-TEST(Cancellation, EndsWhenItGoesAway) {
-    int ends = 0;
-    {
-        const Cancellation cancellation([&ends] { ++ends; });
-    }
-    EXPECT_EQ(ends, 1);
-}
-
 TEST(Cancellation, MovesItsDutyAndEndsWhatItHeldBefore) {
     std::vector<char> ended;
     std::optional<Cancellation> a{std::in_place, [&ended] { ended.push_back('a'); }};

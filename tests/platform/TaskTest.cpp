@@ -67,15 +67,6 @@ TEST(Task, HandsItsCallableOnWhenItMoves) {
     EXPECT_EQ(first.alive, 0);
 }
 
-TEST(Task, KeepsTheStateOfItsCallable) {
-    int seen = 0;
-    Task task = [&seen, count = 0]() mutable { seen = ++count; };
-    task();
-    Task moved = std::move(task);
-    moved();
-    EXPECT_EQ(seen, 2);
-}
-
 TEST(Task, TakesWhatOnlyMovesAndWhatFillsItToTheBrim) {
     int got = 0;
     Task owning = [&got, value = std::make_unique<int>(7)] { got = *value; };

@@ -91,23 +91,5 @@ std::string testNameOf(const testing::TestParamInfo<std::string>& story) {
 
 INSTANTIATE_TEST_SUITE_P(All, StoriesTest, testing::ValuesIn(stories()), testNameOf);
 
-TEST(MomentsCheck, ReadsTheTableAndNoticesAWrongValue) {
-    const auto moments = momentsIn(
-        "# A\n\n| at | what | must be |\n| --- | --- | --- |\n"
-        "| 01:00:02.500 | snapshot.cpuState | \"critical\" |\n| 00:00:01 | output | [] |\n");
-    ASSERT_EQ(moments.size(), 2U);
-    EXPECT_EQ(moments[0].at, std::chrono::milliseconds(3'602'500));
-    EXPECT_EQ(moments[0].what, "snapshot.cpuState");
-    EXPECT_EQ(moments[0].mustBe, "critical");
-    EXPECT_EQ(moments[1].mustBe, Json::array());
-
-    ScenarioPlayer player([](std::string_view) {});
-    player.play(R"({"user": "open"})");
-    EXPECT_EQ(objectionTo(moments[0], player.sight()),
-              "01:00:02.500 snapshot.cpuState is \"normal\", and must be \"critical\"");
-    EXPECT_EQ(objectionTo(moments[1], player.sight()), "");
-    EXPECT_NE(objectionTo({{}, "snapshot", {}}, player.sight()), "") << "not one thing";
-}
-
 }  // namespace
 }  // namespace norvane

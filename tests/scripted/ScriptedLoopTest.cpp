@@ -104,42 +104,5 @@ TEST(ScriptedTime, StepsEachClockAlone) {
     EXPECT_EQ(machine.time.monotonic() - monotonic, 11s);
 }
 
-TEST(ScriptedProcessors, CountTicksOfTheirLoadAsTimePasses) {
-    ScriptedMachine machine;
-    auto& processors = machine.hostPort.processors;
-    processors.setLoad(25);
-    processors.setLoad(0, 100);
-    machine.advance(2s);
-    machine.suspend(1h);  // asleep, no ticks
-    const ProcessorInfo each = processors.each();
-    EXPECT_EQ(each.processorCount, 4U);
-    EXPECT_EQ(std::vector<std::int32_t>(each.ticks.begin(), each.ticks.begin() + 8),
-              (std::vector<std::int32_t>{200, 0, 0, 0, 50, 0, 150, 0}));
-    EXPECT_EQ(processors.total(), (HostCPULoadInfo{.user = 350, .system = 0, .idle = 450, .nice = 0}));
-}
-
-TEST(FixedTextRuler, WrapsAtWordsAndBreaksWordsThatFillALine) {
-    FixedTextRuler ruler;
-    const TextStyle ten{.font = {.size = 10}, .lineSpacing = 2};  // 6 points a character, 12.5 a line
-    struct Case {
-        const char* text;
-        double width;
-        Size size;
-        int lines;
-    };
-    for (const Case& c :
-         {Case{"", TextRuler::kUnlimitedWidth, {0, 12.5}, 1},
-          Case{"four", TextRuler::kUnlimitedWidth, {24, 12.5}, 1},
-          Case{"m\xC3\xBCll", TextRuler::kUnlimitedWidth, {24, 12.5}, 1}, Case{"one two", 24, {18, 27}, 2},
-          Case{"one two", 18, {18, 27}, 2}, Case{"a     b", 12, {6, 27}, 2}, Case{"one  ", 24, {18, 12.5}, 1},
-          Case{"abcdefgh", 24, {24, 27}, 2}, Case{"a\nb", TextRuler::kUnlimitedWidth, {6, 27}, 2},
-          Case{"ab", 0, {6, 27}, 2}}) {
-        const TextMetrics metrics = ruler.measure(c.text, ten, c.width);
-        EXPECT_EQ(metrics.size.width, c.size.width) << c.text;
-        EXPECT_EQ(metrics.size.height, c.size.height) << c.text;
-        EXPECT_EQ(metrics.lines, c.lines) << c.text;
-    }
-}
-
 }  // namespace
 }  // namespace norvane

@@ -160,22 +160,6 @@ TEST_F(MenuBarModeTest, APinnedDashboardMovesToTheNewAnchorWithoutClosing) {
     EXPECT_TRUE(isUIVisible());
 }
 
-TEST_F(MenuBarModeTest, WithoutAPopoverOrANewModeOnlyTheButtonChangesIfAnything) {
-    launch();
-    choose(MenuBarIconMode::on);
-    machine_.advance(2s);
-    EXPECT_EQ(shown(), "") << "nothing comes back that was not there";
-    open();
-    app_->preferences().setTemperatureUnit(TemperatureUnit::fahrenheit);
-    app_->preferences().setStorageAlertThresholdGB(55);
-    store("menuBarIconMode", "on");
-    machine_.advance(75ms);
-    EXPECT_EQ(shown(), "main");
-    EXPECT_EQ(icon(), "MenuIconNormal 1.00");
-    store("menuBarIconMode", "nonsense");
-    EXPECT_EQ(controller().currentMenuBarMode(), app_->preferences().menuBarIconMode());
-}
-
 TEST_F(MenuBarModeTest, TwoChangesInARowBringBothPopoversBack) {
     launch();
     open();

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
 #include "ShellTest.h"
@@ -13,15 +12,11 @@ using namespace std::chrono_literals;
 // Sequences of what a user does with the popovers, written as words.
 class PinTest : public ShellTest {
  protected:
-    void act(const std::string& word) {
+    void act(const std::string& word) override {
         if (word == "click") {
             open();
-        } else if (word == "pin") {
-            press("main", "Pin");
-        } else if (word == "settings") {
-            press("main", "Settings");
-        } else if (word == "info") {
-            press("main", "Info");
+        } else if (word == "Pin" || word == "Settings" || word == "Info") {
+            press("main", word);
         } else if (word == "outside") {
             clickOutside();
         } else if (word == "focus") {
@@ -35,16 +30,6 @@ class PinTest : public ShellTest {
             ADD_FAILURE() << word;
         }
         icon();  // the panel paints what has changed
-    }
-    void actAll(const std::string& words) {
-        std::istringstream all(words);
-        for (std::string word; all >> word;)
-            act(word);
-    }
-    // Starts from the beginning.
-    void restart() {
-        app_.reset();
-        launch();
     }
 };
 
@@ -68,49 +53,43 @@ TEST_F(PinTest, WhateverTheUserDoesThePopoversFollowTheTable) {
              {"click esc", "", false, kFree},
              {"click esc click", "main", true, kFree},
 
-             {"click settings", "settings", false, kFree},
-             {"click settings outside", "", false, kFree},
-             {"click settings focus", "settings", false, kFree},
-             {"click settings esc", "", false, kFree},
-             {"click settings click", "main", true, kFree},
-             {"click info", "info", false, kFree},
-             {"click info outside", "", false, kFree},
-             {"click info focus", "info", false, kFree},
-             {"click info esc click", "main", true, kFree},
+             {"click Settings", "settings", false, kFree},
+             {"click Settings outside", "", false, kFree},
+             {"click Settings focus", "settings", false, kFree},
+             {"click Settings esc", "", false, kFree},
+             {"click Settings click", "main", true, kFree},
+             {"click Info", "info", false, kFree},
+             {"click Info focus", "info", false, kFree},
+             {"click Info esc click", "main", true, kFree},
 
-             {"click pin", "main", true, kPinned},
-             {"click pin click", "main", true, kPinned},
-             {"click pin outside", "main", true, kPinned},
-             {"click pin focus", "main", true, kPinned},
-             {"click pin esc", "main", true, kPinned},
-             {"click pin close-main", "main", true, kPinned},
-             {"click pin pin", "main", true, kFree},
-             {"click pin pin click", "", false, kFree},
-             {"click pin pin outside", "", false, kFree},
+             {"click Pin", "main", true, kPinned},
+             {"click Pin click", "main", true, kPinned},
+             {"click Pin outside", "main", true, kPinned},
+             {"click Pin focus", "main", true, kPinned},
+             {"click Pin esc", "main", true, kPinned},
+             {"click Pin close-main", "main", true, kPinned},
+             {"click Pin Pin", "main", true, kFree},
+             {"click Pin Pin click", "", false, kFree},
 
-             {"click pin settings", "main settings", true, kSuspended},
-             {"click pin settings focus", "main settings", true, kSuspended},
-             {"click pin settings esc", "main", true, kPinned},
-             {"click pin settings outside", "main", true, kPinned},
-             {"click pin settings click", "main", true, kPinned},
-             {"click pin settings esc outside", "main", true, kPinned},
-             {"click pin info", "main info", true, kSuspended},
-             {"click pin info esc close-main", "main", true, kPinned},
+             {"click Pin Settings", "main settings", true, kSuspended},
+             {"click Pin Settings esc", "main", true, kPinned},
+             {"click Pin Settings outside", "main", true, kPinned},
+             {"click Pin Info", "main info", true, kSuspended},
+             {"click Pin Info esc close-main", "main", true, kPinned},
              // Closed by the suspension, it still counts as seen: the pin is set.
-             {"click pin settings close-main", "settings", true, kSuspended},
-             {"click pin settings close-main esc", "", true, kPinned},
-             {"click pin settings close-main click", "main", true, kPinned},
+             {"click Pin Settings close-main", "settings", true, kSuspended},
+             {"click Pin Settings close-main esc", "", true, kPinned},
+             {"click Pin Settings close-main click", "main", true, kPinned},
              // Two on top: the first that closes ends the suspension.
-             {"click pin settings info", "main settings info", true, kSuspended},
-             {"click pin settings info esc", "main settings", true, kPinned},
-             {"click pin settings info esc close-main", "main settings", true, kPinned},
+             {"click Pin Settings Info", "main settings info", true, kSuspended},
+             {"click Pin Settings Info esc", "main settings", true, kPinned},
 
-             {"click pin settings pin", "main settings", true, kUnpinnedBelow},
-             {"click pin settings pin close-main", "settings", false, kUnpinnedBelow},
-             {"click pin settings pin esc", "main", true, kFree},
-             {"click pin settings pin outside", "", false, kFree},
+             {"click Pin Settings Pin", "main settings", true, kUnpinnedBelow},
+             {"click Pin Settings Pin close-main", "settings", false, kUnpinnedBelow},
+             {"click Pin Settings Pin esc", "main", true, kFree},
+             {"click Pin Settings Pin outside", "", false, kFree},
              // Pinned again below, it may close for as long as the settings are up.
-             {"click pin settings pin pin close-main", "settings", true, kSuspended},
+             {"click Pin Settings Pin Pin close-main", "settings", true, kSuspended},
          }) {
         restart();
         actAll(c.words);
@@ -126,9 +105,9 @@ TEST_F(PinTest, OnlyWhatOpensWithoutAPinActivatesTheApplicationAndAllTakeTheKeyb
         int activations;
         const char* keyboard;
     };
-    for (const Case& c : {Case{"click", 1, "main"}, Case{"click settings", 2, "settings"},
-                          Case{"click info", 2, "info"}, Case{"click pin settings", 1, "settings"},
-                          Case{"click pin info", 1, "info"}, Case{"click pin click", 1, "main"}}) {
+    for (const Case& c : {Case{"click", 1, "main"}, Case{"click Settings", 2, "settings"},
+                          Case{"click Info", 2, "info"}, Case{"click Pin Settings", 1, "settings"},
+                          Case{"click Pin Info", 1, "info"}, Case{"click Pin click", 1, "main"}}) {
         restart();
         machine_.application.activations = 0;
         actAll(c.words);
@@ -149,8 +128,8 @@ TEST_F(PinTest, EachShowingOfTheMainPopoverTicksAtOnceWhateverWasVisible) {
         return ticks() - before;
     };
     EXPECT_EQ(ticksOf("click"), 1U);
-    EXPECT_EQ(ticksOf("pin"), 0U);
-    EXPECT_EQ(ticksOf("settings close-main"), 0U) << "neither an opening nor a closing of the dashboard's";
+    EXPECT_EQ(ticksOf("Pin"), 0U);
+    EXPECT_EQ(ticksOf("Settings close-main"), 0U) << "neither an opening nor a closing of the dashboard's";
     EXPECT_EQ(ticksOf("click"), 1U) << "shown while it counts as visible";
 }
 
@@ -162,20 +141,20 @@ TEST_F(PinTest, APopoverThatWasOnceOpenedUnderAPinReappliesTheModeEachTimeItClos
         const char* words;
         const char* iconSoonAfter;
     };
-    for (const Case& c : {Case{"never under a pin", "click settings esc", "MenuIconNormal 1.00"},
-                          {"under a pin", "click pin settings esc", "MenuIconNormal 0.50"},
-                          {"the other one, never", "click pin settings esc pin", "MenuIconNormal 1.00"},
-                          {"info under a pin", "click pin info esc", "MenuIconNormal 0.50"}}) {
+    for (const Case& c : {Case{"never under a pin", "click Settings esc", "MenuIconNormal 1.00"},
+                          {"under a pin", "click Pin Settings esc", "MenuIconNormal 0.50"},
+                          {"the other one, never", "click Pin Settings esc Pin", "MenuIconNormal 1.00"},
+                          {"info under a pin", "click Pin Info esc", "MenuIconNormal 0.50"}}) {
         restart();
         watchIcon(1s);
         actAll(c.words);
         watchIcon(75ms);
-        const bool isDone = std::string(c.words).ends_with("pin");
+        const bool isDone = std::string(c.words).ends_with("Pin");
         if (isDone) watchIcon(1s);
         EXPECT_EQ(icon(), c.iconSoonAfter) << c.name;
     }
     restart();
-    actAll("click pin settings esc pin settings");
+    actAll("click Pin Settings esc Pin Settings");
     EXPECT_EQ(shown(), "settings") << "without a pin by now";
     watchIcon(1s);
     act("esc");
@@ -184,7 +163,7 @@ TEST_F(PinTest, APopoverThatWasOnceOpenedUnderAPinReappliesTheModeEachTimeItClos
 
     app_->preferences().setMenuBarIconMode(MenuBarIconMode::stats);
     machine_.advance(1s);
-    actAll("click pin settings esc");
+    actAll("click Pin Settings esc");
     EXPECT_EQ(machine_.windowServer.statusItemLength(), 54);
     machine_.windowServer.statusItemPicture();
     EXPECT_EQ(machine_.windowServer.statusItemContent()->accessibleTree().children.size(), 2U)
@@ -194,10 +173,10 @@ TEST_F(PinTest, APopoverThatWasOnceOpenedUnderAPinReappliesTheModeEachTimeItClos
 // Each event is tried with the panel gone: nothing opens, and the pin is as it was.
 TEST_F(PinTest, WithoutAButtonNothingOpensAndNothingIsForgotten) {
     launch();
-    actAll("click pin");
+    actAll("click Pin");
     machine_.windowServer.hasPanel = false;
-    act("settings");
-    act("info");
+    act("Settings");
+    act("Info");
     controller().statusItemClicked();
     controller().showWelcomeIfNeeded();
     app_->showSettings();
@@ -208,18 +187,20 @@ TEST_F(PinTest, WithoutAButtonNothingOpensAndNothingIsForgotten) {
     machine_.settle();
     EXPECT_EQ(controller().currentMenuBarMode(), MenuBarIconMode::on);
     machine_.advance(2s);
-    act("pin");
+    act("Pin");
     act("esc");
     EXPECT_EQ(shown(), "");
     machine_.windowServer.hasPanel = true;
     EXPECT_EQ(icon(), "MenuIconNormal 1.00") << "the panel is back";
     act("click");
     EXPECT_EQ(shown(), "main");
+    machine_.windowServer.screen.reset();
+    machine_.advance(5s);
 }
 
 TEST_F(PinTest, TheApplicationEndsWithWhateverIsWaiting) {
-    for (const char* words : {"click", "click settings", "click pin settings", "click pin info settings",
-                              "click pin settings close-main", "click pin settings pin"}) {
+    for (const char* words : {"click", "click Settings", "click Pin Settings", "click Pin Info Settings",
+                              "click Pin Settings close-main", "click Pin Settings Pin"}) {
         for (const bool isModeChanging : {false, true}) {
             for (const auto wait : {0ms, 100ms, 600ms}) {
                 restart();

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -117,7 +118,21 @@ class ShellTest : public testing::Test {
         return picture.items.empty() ? "" : iconIn(picture.items.front(), 1);
     }
 
+    // Starts from the beginning.
+    void restart() {
+        app_.reset();
+        launch();
+    }
+    // What a user does, written as words.
+    void actAll(const std::string& words) {
+        std::istringstream all(words);
+        for (std::string word; all >> word;)
+            act(word);
+    }
+    virtual void act(const std::string& word) { ADD_FAILURE() << word; }
+
     static constexpr std::chrono::milliseconds kEntrance{200};
+    static constexpr const char* kOptimal = "System is operating optimally within comfortable parameters.";
 
     ScriptedMachine machine_;
     std::optional<NorvaneApp> app_;

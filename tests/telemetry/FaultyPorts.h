@@ -7,25 +7,17 @@
 #include <utility>
 #include <vector>
 
+#include "preferences/DefaultsKeys.h"
+#include "telemetry/FaultyOperation.h"
 #include "telemetry/OperationFaults.h"
 
-// The ports that telemetry asks, each in front of a healthy one. Every operation of a port goes through a
-// stand-in that can be made to fail; a new operation, or a new name of one that takes names, makes this not
-// build until it has a stand-in, and the stand-in not until its faults are listed in OperationFaults.h.
-//
-// The ports that no tick knows are not among them: Application, Appearance, Dispatch (which takes work and
-// answers nothing), LoginItem, MainBundle, TextRuler, WindowServer, Workspace and what they hand out.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic error "-Wswitch"
-
+// The ports that telemetry asks, each in front of a healthy one. Every operation that a tick asks goes
+// through a stand-in that can be made to fail; the others are handed on.
 namespace norvane {
-
-using Operations = std::vector<AnyOperation*>;
 
 class FaultyHostPort final : public HostPort {
  public:
-    FaultyHostPort(HostPort& healthy, Operations& all)
-        : healthy_(healthy), statistics_(all), processorInfo_(all), statistics64_(all), pageSize_(all) {}
+    FaultyHostPort(HostPort& healthy, Operations& all) : healthy_(healthy), all_(all) {}
 
     std::optional<HostCPULoadInfo> host_statistics(TickToken tick) override {
         return statistics_(healthy_.host_statistics(tick));
@@ -40,42 +32,30 @@ class FaultyHostPort final : public HostPort {
 
  private:
     HostPort& healthy_;
-    FaultyOperation<&HostPort::host_statistics> statistics_;
-    FaultyOperation<&HostPort::host_processor_info> processorInfo_;
-    FaultyOperation<&HostPort::host_statistics64> statistics64_;
-    FaultyOperation<&HostPort::host_page_size> pageSize_;
+    Operations& all_;
+    FaultyOperation<std::optional<HostCPULoadInfo>> statistics_{all_, "host_statistics", loadFaults()};
+    FaultyOperation<std::optional<ProcessorInfo>> processorInfo_{all_, "host_processor_info",
+                                                                 processorFaults()};
+    FaultyOperation<std::optional<VMStatistics64>> statistics64_{all_, "host_statistics64", memoryFaults()};
+    FaultyOperation<std::uint64_t> pageSize_{all_, "host_page_size", {0, 1, kAllOnes}};
 };
 
 class FaultySysctl final : public Sysctl {
  public:
-    FaultySysctl(Sysctl& healthy, Operations& all)
-        : healthy_(healthy),
-          performancePhysical_(all),
-          efficiencyPhysical_(all),
-          performanceLogical_(all),
-          efficiencyLogical_(all),
-          logical_(all),
-          arm64_(all),
-          pressure_(all),
-          model_(all),
-          brand_(all),
-          swapUsage_(all) {}
+    FaultySysctl(Sysctl& healthy, Operations& all) : healthy_(healthy), all_(all) {}
 
+    // A new name makes this not build until it is listed here.
     std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken tick) override {
         const auto answer = healthy_.sysctlbyname(name, tick);
         switch (name) {
             case SysctlNumber::hw_perflevel0_physicalcpu:
-                performancePhysical_();
-                return answer;
             case SysctlNumber::hw_perflevel1_physicalcpu:
-                efficiencyPhysical_();
+            case SysctlNumber::hw_logicalcpu:
                 return answer;
             case SysctlNumber::hw_perflevel0_logicalcpu:
-                return performanceLogical_(answer);
+                return performance_(answer);
             case SysctlNumber::hw_perflevel1_logicalcpu:
-                return efficiencyLogical_(answer);
-            case SysctlNumber::hw_logicalcpu:
-                return logical_(answer);
+                return efficiency_(answer);
             case SysctlNumber::hw_optional_arm64:
                 return arm64_(answer);
             case SysctlNumber::kern_memorystatus_vm_pressure_level:
@@ -85,58 +65,45 @@ class FaultySysctl final : public Sysctl {
     }
     std::optional<std::string> sysctlbyname(SysctlText name) override {
         const auto answer = healthy_.sysctlbyname(name);
-        switch (name) {
-            case SysctlText::hw_model:
-                return model_(answer);
-            case SysctlText::machdep_cpu_brand_string:
-                brand_();
-                return answer;
-        }
-        return std::nullopt;
+        return name == SysctlText::hw_model ? model_(answer) : answer;
     }
     std::optional<XswUsage> sysctlbyname_vm_swapusage(TickToken tick) override {
         return swapUsage_(healthy_.sysctlbyname_vm_swapusage(tick));
     }
 
  private:
+    using Number = FaultyOperation<std::optional<std::int64_t>>;
+
     Sysctl& healthy_;
-    UnaskedOperation<kSysctlNumber, SysctlNumber::hw_perflevel0_physicalcpu> performancePhysical_;
-    UnaskedOperation<kSysctlNumber, SysctlNumber::hw_perflevel1_physicalcpu> efficiencyPhysical_;
-    FaultyOperation<kSysctlNumber, SysctlNumber::hw_perflevel0_logicalcpu> performanceLogical_;
-    FaultyOperation<kSysctlNumber, SysctlNumber::hw_perflevel1_logicalcpu> efficiencyLogical_;
-    FaultyOperation<kSysctlNumber, SysctlNumber::hw_logicalcpu> logical_;
-    FaultyOperation<kSysctlNumber, SysctlNumber::hw_optional_arm64> arm64_;
-    FaultyOperation<kSysctlNumber, SysctlNumber::kern_memorystatus_vm_pressure_level> pressure_;
-    FaultyOperation<kSysctlText, SysctlText::hw_model> model_;
-    UnaskedOperation<kSysctlText, SysctlText::machdep_cpu_brand_string> brand_;
-    FaultyOperation<&Sysctl::sysctlbyname_vm_swapusage> swapUsage_;
+    Operations& all_;
+    Number performance_{all_, "hw.perflevel0.logicalcpu", numberFaults()};
+    Number efficiency_{all_, "hw.perflevel1.logicalcpu", numberFaults()};
+    Number arm64_{all_, "hw.optional.arm64", numberFaults()};
+    Number pressure_{all_, "kern.memorystatus_vm_pressure_level", numberFaults()};
+    FaultyOperation<std::optional<std::string>> model_{all_, "hw.model", textFaults()};
+    FaultyOperation<std::optional<XswUsage>> swapUsage_{all_, "vm.swapusage", swapFaults()};
 };
 
 class FaultyProcessInfo final : public ProcessInfo {
  public:
-    FaultyProcessInfo(ProcessInfo& healthy, Operations& all)
-        : healthy_(healthy), memory_(all), thermal_(all), uptime_(all), lowPower_(all) {}
+    FaultyProcessInfo(ProcessInfo& healthy, Operations& all) : healthy_(healthy), all_(all) {}
 
     std::uint64_t physicalMemory(TickToken tick) override { return memory_(healthy_.physicalMemory(tick)); }
     int thermalState(TickToken tick) override { return thermal_(healthy_.thermalState(tick)); }
     double systemUptime() override { return uptime_(healthy_.systemUptime()); }
-    bool isLowPowerModeEnabled() override {
-        lowPower_();
-        return healthy_.isLowPowerModeEnabled();
-    }
+    bool isLowPowerModeEnabled() override { return healthy_.isLowPowerModeEnabled(); }
 
  private:
     ProcessInfo& healthy_;
-    FaultyOperation<&ProcessInfo::physicalMemory> memory_;
-    FaultyOperation<&ProcessInfo::thermalState> thermal_;
-    FaultyOperation<&ProcessInfo::systemUptime> uptime_;
-    UnaskedOperation<&ProcessInfo::isLowPowerModeEnabled> lowPower_;
+    Operations& all_;
+    FaultyOperation<std::uint64_t> memory_{all_, "physicalMemory", {0, 1, kAllOnes}};
+    FaultyOperation<int> thermal_{all_, "thermalState", {4, -1, INT_MIN}};
+    FaultyOperation<double> uptime_{all_, "systemUptime", {-1, 0x1p63, kNaN, kInfinity}};
 };
 
 class FaultyRegistry final : public Registry {
  public:
-    FaultyRegistry(Registry& healthy, Operations& all)
-        : healthy_(healthy), drives_(all), accelerators_(all), batteries_(all) {}
+    FaultyRegistry(Registry& healthy, Operations& all) : healthy_(healthy), all_(all) {}
 
     std::optional<std::vector<RegistryEntry>> IOServiceGetMatchingServices(RegistryService service,
                                                                            TickToken tick) override {
@@ -153,15 +120,22 @@ class FaultyRegistry final : public Registry {
     }
 
  private:
+    using Matching = FaultyOperation<std::optional<Services>>;
+
     Registry& healthy_;
-    FaultyOperation<&Registry::IOServiceGetMatchingServices, RegistryService::IOBlockStorageDriver> drives_;
-    FaultyOperation<&Registry::IOServiceGetMatchingServices, RegistryService::IOAccelerator> accelerators_;
-    FaultyOperation<&Registry::IOServiceGetMatchingServices, RegistryService::AppleSmartBattery> batteries_;
+    Operations& all_;
+    Matching drives_{all_, "IOBlockStorageDriver",
+                     serviceFaults("Statistics", {"Bytes (Read)", "Bytes (Write)"})};
+    Matching accelerators_{
+        all_, "IOAccelerator",
+        serviceFaults("PerformanceStatistics", {"Device Utilization %", "GPU Activity(%)"})};
+    Matching batteries_{all_, "AppleSmartBattery", batteryFaults()};
 };
 
 class FaultyPowerSources final : public PowerSources {
  public:
-    FaultyPowerSources(PowerSources& healthy, Operations& all) : healthy_(healthy), info_(all) {}
+    FaultyPowerSources(PowerSources& healthy, Operations& all)
+        : healthy_(healthy), info_(all, "IOPSCopyPowerSourcesInfo", powerSourceFaults()) {}
 
     std::optional<std::vector<PowerSourceDescription>> IOPSCopyPowerSourcesInfo(TickToken tick) override {
         return info_(healthy_.IOPSCopyPowerSourcesInfo(tick));
@@ -169,60 +143,43 @@ class FaultyPowerSources final : public PowerSources {
 
  private:
     PowerSources& healthy_;
-    FaultyOperation<&PowerSources::IOPSCopyPowerSourcesInfo> info_;
+    FaultyOperation<std::optional<std::vector<PowerSourceDescription>>> info_;
 };
 
 class FaultyFileManager final : public FileManager {
  public:
-    FaultyFileManager(FileManager& healthy, Operations& all) : healthy_(healthy), urls_(all), now_(all) {}
+    FaultyFileManager(FileManager& healthy, Operations& all)
+        : healthy_(healthy), urls_(all, "mountedVolumeURLs", volumeFaults()) {}
 
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override {
         return urls_(healthy_.mountedVolumeURLs(tick));
     }
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs() override {
-        now_();
         return healthy_.mountedVolumeURLs();
     }
 
  private:
     FileManager& healthy_;
-    FaultyOperation<kVolumesOfTick> urls_;
-    UnaskedOperation<kVolumesNow> now_;
+    FaultyOperation<std::optional<std::vector<VolumeURL>>> urls_;
 };
 
 class FaultyUserDefaults final : public UserDefaults {
  public:
-    FaultyUserDefaults(UserDefaults& healthy, Operations& all)
-        : healthy_(healthy),
-          sustainedLoad_(all),
-          storage_(all),
-          storageThreshold_(all),
-          battery_(all),
-          batteryThreshold_(all),
-          set_(all),
-          remove_(all),
-          observe_(all) {}
+    FaultyUserDefaults(UserDefaults& healthy, Operations& all) : healthy_(healthy), all_(all) {}
 
     std::optional<DefaultsValue> objectForKey(std::string_view key) const override {
         const auto answer = healthy_.objectForKey(key);
-        if (key == defaultskey::kSustainedLoadNotificationsEnabled) return sustainedLoad_(answer);
-        if (key == defaultskey::kStorageAlertEnabled) return storage_(answer);
-        if (key == defaultskey::kStorageAlertThresholdGB) return storageThreshold_(answer);
-        if (key == defaultskey::kBatteryAlertEnabled) return battery_(answer);
-        if (key == defaultskey::kBatteryAlertThresholdPct) return batteryThreshold_(answer);
+        for (const Value* const value :
+             {&sustainedLoad_, &storage_, &storageThreshold_, &battery_, &batteryThreshold_})
+            if (value->name() == key) return (*value)(answer);
         otherKeys.emplace_back(key);
         return answer;
     }
     void setObject(std::string_view key, DefaultsValue value) override {
-        set_();
         healthy_.setObject(key, std::move(value));
     }
-    void removeObjectForKey(std::string_view key) override {
-        remove_();
-        healthy_.removeObjectForKey(key);
-    }
+    void removeObjectForKey(std::string_view key) override { healthy_.removeObjectForKey(key); }
     Cancellation onDidChange(std::function<void()> observer) override {
-        observe_();
         return healthy_.onDidChange(std::move(observer));
     }
 
@@ -230,24 +187,21 @@ class FaultyUserDefaults final : public UserDefaults {
     mutable std::vector<std::string> otherKeys;
 
  private:
+    using Value = FaultyOperation<std::optional<DefaultsValue>>;
+
     UserDefaults& healthy_;
-    mutable FaultyOperation<&UserDefaults::objectForKey, &defaultskey::kSustainedLoadNotificationsEnabled>
-        sustainedLoad_;
-    mutable FaultyOperation<&UserDefaults::objectForKey, &defaultskey::kStorageAlertEnabled> storage_;
-    mutable FaultyOperation<&UserDefaults::objectForKey, &defaultskey::kStorageAlertThresholdGB>
-        storageThreshold_;
-    mutable FaultyOperation<&UserDefaults::objectForKey, &defaultskey::kBatteryAlertEnabled> battery_;
-    mutable FaultyOperation<&UserDefaults::objectForKey, &defaultskey::kBatteryAlertThresholdPct>
-        batteryThreshold_;
-    UnaskedOperation<&UserDefaults::setObject> set_;
-    UnaskedOperation<&UserDefaults::removeObjectForKey> remove_;
-    UnaskedOperation<&UserDefaults::onDidChange> observe_;
+    Operations& all_;
+    Value sustainedLoad_{all_, defaultskey::kSustainedLoadNotificationsEnabled, preferenceFaults()};
+    Value storage_{all_, defaultskey::kStorageAlertEnabled, preferenceFaults()};
+    Value storageThreshold_{all_, defaultskey::kStorageAlertThresholdGB, preferenceFaults()};
+    Value battery_{all_, defaultskey::kBatteryAlertEnabled, preferenceFaults()};
+    Value batteryThreshold_{all_, defaultskey::kBatteryAlertThresholdPct, preferenceFaults()};
 };
 
 class FaultyUserNotificationCenter final : public UserNotificationCenter {
  public:
     FaultyUserNotificationCenter(UserNotificationCenter& healthy, Operations& all)
-        : healthy_(healthy), add_(all), request_(all), status_(all) {}
+        : healthy_(healthy), add_(all, "add", deliveryFaults()) {}
 
     void add(NotificationRequest request,
              std::function<void(std::optional<std::string> error)> completion) override {
@@ -259,71 +213,46 @@ class FaultyUserNotificationCenter final : public UserNotificationCenter {
         }
     }
     void requestAuthorization(std::function<void(bool isGranted)> completion) override {
-        request_();
         healthy_.requestAuthorization(std::move(completion));
     }
     void authorizationStatus(std::function<void(NotificationAuthorization)> completion) override {
-        status_();
         healthy_.authorizationStatus(std::move(completion));
     }
 
  private:
     UserNotificationCenter& healthy_;
-    FaultyOperation<&UserNotificationCenter::add> add_;
-    UnaskedOperation<&UserNotificationCenter::requestAuthorization> request_;
-    UnaskedOperation<&UserNotificationCenter::authorizationStatus> status_;
-};
-
-class FaultyStandardOutput final : public StandardOutput {
- public:
-    FaultyStandardOutput(StandardOutput& healthy, Operations& all) : healthy_(healthy), print_(all) {}
-
-    void printLine(std::string_view line) override {
-        print_();
-        healthy_.printLine(line);
-    }
-
- private:
-    StandardOutput& healthy_;
-    UnaskedOperation<&StandardOutput::printLine> print_;
+    FaultyOperation<Delivery> add_;
 };
 
 class FaultyUUIDSource final : public UUIDSource {
  public:
-    FaultyUUIDSource(UUIDSource& healthy, Operations& all) : healthy_(healthy), next_(all) {}
+    FaultyUUIDSource(UUIDSource& healthy, Operations& all)
+        : healthy_(healthy), next_(all, "UUIDSource::next", {UUID()}) {}
 
     UUID next() override { return next_(healthy_.next()); }
 
  private:
     UUIDSource& healthy_;
-    FaultyOperation<&UUIDSource::next> next_;
+    FaultyOperation<UUID> next_;
 };
 
 class FaultyWallClock final : public WallClock {
  public:
-    FaultyWallClock(WallClock& healthy, Operations& all) : healthy_(healthy), now_(all) {}
+    FaultyWallClock(WallClock& healthy, Operations& all)
+        : healthy_(healthy), now_(all, "WallClock::now", {WallInstant(), WallInstant::max()}) {}
 
     WallInstant now() const override { return now_(healthy_.now()); }
 
  private:
     WallClock& healthy_;
-    mutable FaultyOperation<&WallClock::now> now_;
+    FaultyOperation<WallInstant> now_;
 };
 
-class FaultyMonotonicClock final : public MonotonicClock {
- public:
-    FaultyMonotonicClock(MonotonicClock& healthy, Operations& all) : healthy_(healthy), now_(all) {}
-
-    MonotonicInstant now() const override {
-        now_();
-        return healthy_.now();
-    }
-
- private:
-    MonotonicClock& healthy_;
-    mutable UnaskedOperation<&MonotonicClock::now> now_;
+// What the soak asks of the slow one.
+inline constexpr int kVolumesOfTick = 0;
+template <int>
+struct FaultsOf {
+    static constexpr const char* kName = "mountedVolumeURLs";
 };
 
 }  // namespace norvane
-
-#pragma GCC diagnostic pop

@@ -15,11 +15,9 @@ class MemoryReaderTest : public testing::Test {
     void count(std::uint64_t swapins, std::uint64_t swapouts) {
         machine_.hostPort.statistics64.always(VMStatistics64{.swapins = swapins, .swapouts = swapouts});
     }
-    MemoryDetail detail() { return reader_.readMemoryDetail({++tick_}); }
 
     ScriptedMachine machine_;
     MemoryReader reader_{machine_.hostPort, machine_.sysctl, machine_.processInfo, machine_.time.wallClock()};
-    std::uint64_t tick_ = 0;
 };
 
 TEST_F(MemoryReaderTest, UsedIsWiredAndAppAndCompressed) {
@@ -44,7 +42,7 @@ TEST_F(MemoryReaderTest, PageSizeScalesEverything) {
     machine_.hostPort.statistics64.always(
         VMStatistics64{.wire_count = 16'384, .external_page_count = 8'192, .purgeable_count = 8'192});
     EXPECT_EQ(reader_.readMemoryBasics({1}).wired, 1);
-    EXPECT_EQ(detail().cachedFilesGB, 1);
+    EXPECT_EQ(reader_.readMemoryDetail({1}).cachedFilesGB, 1);
 }
 
 TEST_F(MemoryReaderTest, PressureIsTheKernelsWordAndOneWithoutIt) {
@@ -86,13 +84,13 @@ TEST_F(MemoryReaderTest, RatesAreOverTheTimeSinceTheLastDetailIfThatIsUnderFiveS
 
 TEST_F(MemoryReaderTest, AFailedDetailKeepsTheBaseline) {
     count(0, 0);
-    detail();
+    reader_.readMemoryDetail({1});
     machine_.time.stepWallClock(1s);
     machine_.hostPort.statistics64.always(std::nullopt);
-    EXPECT_EQ(detail(), MemoryDetail{});
+    EXPECT_EQ(reader_.readMemoryDetail({2}), MemoryDetail{});
     machine_.time.stepWallClock(1s);
     count(512, 0);
-    EXPECT_DOUBLE_EQ(detail().swapReadMBps, 1) << "two megabytes over two seconds";
+    EXPECT_DOUBLE_EQ(reader_.readMemoryDetail({3}).swapReadMBps, 1) << "two megabytes over two seconds";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-// The names of what differs; empty where nothing does.
-std::string differences(const Outcome& a, const Outcome& b);
+// The names of what differs, and of numbers in the first that are none.
+std::set<std::string> differences(const Outcome& a, const Outcome& b);
 
 }  // namespace norvane

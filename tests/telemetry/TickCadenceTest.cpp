@@ -12,7 +12,7 @@ TEST(TickCadence, SpacesTheSlowReadingsOut) {
         bool isVisible, isForced;
         TickCadence want;
     };
-    constexpr TickCadence kNothing{};
+    constexpr TickCadence kNone{};
     constexpr TickCadence kBatteryAlone{.readsBattery = true};
     constexpr TickCadence kFull{.isFull = true};
     constexpr TickCadence kThird{.isFull = true, .readsBattery = true, .readsGPUAndDisk = true};
@@ -21,18 +21,14 @@ TEST(TickCadence, SpacesTheSlowReadingsOut) {
     for (const Case& c :
          {Case{"the first, hidden", 1, false, false, kBatteryAlone},
           Case{"the first, shown", 1, true, false, kAll}, Case{"the first, forced", 1, false, true, kAll},
-          Case{"hidden, 3", 3, false, false, kNothing}, Case{"hidden, 30", 30, false, false, kNothing},
-          Case{"hidden, 60", 60, false, false, kBatteryAlone}, Case{"hidden, 61", 61, false, false, kNothing},
+          Case{"hidden, 3", 3, false, false, kNone}, Case{"hidden, 30", 30, false, false, kNone},
+          Case{"hidden, 60", 60, false, false, kBatteryAlone}, Case{"hidden, 61", 61, false, false, kNone},
           Case{"shown, 2", 2, true, false, kFull}, Case{"shown, 3", 3, true, false, kThird},
           Case{"shown, 30", 30, true, false, kAll}, Case{"shown, 60", 60, true, false, kAll},
           Case{"an opening at 7", 7, true, true, kAll},
           Case{"an opening that closed again before its tick, 60", 60, false, true, kAll}}) {
         EXPECT_EQ(cadenceOf(c.tickCount, c.isVisible, c.isForced), c.want) << c.name;
     }
-    int battery = 0;
-    for (std::uint64_t tick = 1; tick <= 86'400; ++tick)
-        battery += cadenceOf(tick, false, false).readsBattery ? 1 : 0;
-    EXPECT_EQ(battery, 1 + 1'440) << "a hidden day";
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,18 +11,20 @@
 namespace norvane {
 namespace {
 
-// All that a volume needs to be shown.
-VolumeResourceValues sized() {
-    VolumeResourceValues values;
-    values.volumeTotalCapacity = 1;
-    return values;
-}
+constexpr std::int64_t kGB = 1'000'000'000;
 
 class VolumeReaderTest : public testing::Test {
  protected:
     std::vector<DiskSnapshot> read(ScriptedFileManager::Volumes volumes) {
         machine_.fileManager.volumes.always(std::move(volumes));
         return reader_.readMountedVolumes({++tick_});
+    }
+    // The row of this volume alone, without its identity.
+    DiskSnapshot rowOf(std::string path, VolumeResourceValues values) {
+        auto rows = read({{VolumeURL(std::move(path), std::move(values))}});
+        EXPECT_EQ(rows.size(), 1U);
+        rows.at(0).id = {};
+        return rows[0];
     }
 
     ScriptedMachine machine_;
@@ -32,92 +33,37 @@ class VolumeReaderTest : public testing::Test {
 };
 
 TEST_F(VolumeReaderTest, FillsARowFromWhatIsKnown) {
-    struct Case {
-        const char* name;
-        std::string path;
-        std::optional<std::string> volumeName;
-        std::optional<std::int64_t> total, available;
-        std::optional<bool> isInternal, isRoot;
-        DiskSnapshot want;  // whatever its id
-    };
-    constexpr std::int64_t G = 1'000'000'000;
-    for (const Case& c : {
-             Case{"the system's",
-                  "/",
-                  "System",
-                  500 * G,
-                  123'500'000'000,
-                  true,
-                  true,
-                  {{}, "System", 376.5, 500, false, true, 123.5}},
-             Case{"a stick without a name",
-                  "/media/ada/STICK",
-                  {},
-                  64 * G,
-                  14 * G,
-                  false,
-                  false,
-                  {{}, "STICK", 50, 64, true, false, 14}},
-             Case{"a root without a name", "/", {}, G, G, true, true, {{}, "/", 0, 1, false, true, 1}},
-             Case{"a share, of which nobody can say whether it is internal",
-                  "/srv/share",
-                  {},
-                  8 * G,
-                  G,
-                  {},
-                  {},
-                  {{}, "share", 7, 8, false, false, 1}},
-             Case{"more available than there is",
-                  "/a",
-                  {},
-                  8 * G,
-                  9 * G,
-                  {},
-                  {},
-                  {{}, "a", 0, 8, false, false, 9}},
-             Case{"no available capacity", "/a", {}, 8 * G, {}, {}, {}, {{}, "a", 8, 8, false, false, 0}},
-             Case{"a total of nothing", "/proc", {}, 0, {}, {}, {}, {{}, "proc", 0, 0, false, false, 0}},
-             Case{"a name that is no text",
-                  "/a",
-                  "a\xFF",
-                  0,
-                  {},
-                  {},
-                  {},
-                  {{}, "a\uFFFD", 0, 0, false, false, 0}},
-             Case{"a path that is no text",
-                  "/m/\xC3",
-                  {},
-                  0,
-                  {},
-                  {},
-                  {},
-                  {{}, "\uFFFD", 0, 0, false, false, 0}},
-         }) {
-        auto rows = read({{VolumeURL(
-            c.path, VolumeResourceValues{c.volumeName, c.total, c.available, c.isInternal, c.isRoot, {}})}});
-        ASSERT_EQ(rows.size(), 1U) << c.name;
-        rows[0].id = {};
-        EXPECT_EQ(rows[0], c.want) << c.name << ": " << rows[0].name << ", " << rows[0].usedGB << " of "
-                                   << rows[0].totalGB;
-    }
+    EXPECT_EQ(rowOf("/", {"System", 500 * kGB, 123'500'000'000, true, true, {}}),
+              (DiskSnapshot{{}, "System", 376.5, 500, false, true, 123.5}));
+    EXPECT_EQ(rowOf("/media/ada/STICK", {{}, 64 * kGB, 14 * kGB, false, false, {}}),
+              (DiskSnapshot{{}, "STICK", 50, 64, true, false, 14}));
+    EXPECT_EQ(rowOf("/", {{}, kGB, kGB, true, true, {}}), (DiskSnapshot{{}, "/", 0, 1, false, true, 1}));
+    EXPECT_EQ(rowOf("/srv/share", {{}, 8 * kGB, kGB, {}, {}, {}}),
+              (DiskSnapshot{{}, "share", 7, 8, false, false, 1}))
+        << "nobody can say whether it is internal";
+    EXPECT_EQ(rowOf("/a", {{}, 8 * kGB, 9 * kGB, {}, {}, {}}), (DiskSnapshot{{}, "a", 0, 8, false, false, 9}))
+        << "more available than there is";
+    EXPECT_EQ(rowOf("/a", {{}, 8 * kGB, {}, {}, {}, {}}), (DiskSnapshot{{}, "a", 8, 8, false, false, 0}));
+    EXPECT_EQ(rowOf("/a", {"a\xFF", 0, {}, {}, {}, {}}),
+              (DiskSnapshot{{}, "a\uFFFD", 0, 0, false, false, 0}));
+    EXPECT_EQ(rowOf("/m/\xC3", {{}, 0, {}, {}, {}, {}}).name, "\uFFFD");
 }
 
 TEST_F(VolumeReaderTest, KeepsTheMachinesOrderAndLeavesOutWhatCannotBeRead) {
+    VolumeResourceValues sized;
+    sized.volumeTotalCapacity = 1;
     const auto rows =
-        read({{{"/z", sized()}, {"/b", std::nullopt}, {"/c", VolumeResourceValues{}}, {"/a", sized()}}});
+        read({{{"/z", sized}, {"/b", std::nullopt}, {"/c", VolumeResourceValues{}}, {"/a", sized}}});
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0].name, "z");
     EXPECT_EQ(rows[1].name, "a");
     EXPECT_TRUE(read(std::nullopt).empty());
-}
 
-TEST_F(VolumeReaderTest, EveryReadGivesEveryRowANewIdentity) {
-    const std::vector<VolumeURL> urls(2, {"/a", sized()});
-    const auto first = read(urls);
-    const auto second = read(urls);
-    EXPECT_NE(first[0], first[1]) << "alike in all but the identity";
-    EXPECT_NE(first[0], second[0]);
+    // Alike in all but the identity, which is new for every row at every read.
+    const std::vector<VolumeURL> twins(2, {"/a", sized});
+    const auto first = read(twins);
+    EXPECT_NE(first[0], first[1]);
+    EXPECT_NE(first[0], read(twins)[0]);
 }
 
 }  // namespace

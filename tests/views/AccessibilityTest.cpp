@@ -122,8 +122,7 @@ TEST_F(AccessibilityTest, TellsWhereThingsAreSeen) {
                   {{0, 0}, {12, 12.5}}},
          }) {
         make_ = [&] { return c.wrap(text("it", kTen)); };
-        view_.change([] {});
-        paint();
+        change([] {});
         ASSERT_TRUE(accessible("it")) << c.name;
         EXPECT_EQ(accessible("it")->frame, c.want) << c.name;
         EXPECT_EQ(frameOf("it").origin, c.want.origin) << c.name;
@@ -138,8 +137,7 @@ TEST_F(AccessibilityTest, TheSameThingKeepsItsKey) {
     };
     show();
     const std::string key = accessible("B")->key;
-    view_.change([&] { hasTop = true; });
-    paint();
+    change([&] { hasTop = true; });
     EXPECT_EQ(accessible("B")->key, key);
     EXPECT_NE(accessible("top")->key, key);
     EXPECT_FALSE(key.empty());

@@ -93,20 +93,11 @@ TEST_F(FramesTest, NothingMovesForAUserWhoWantsNoMotion) {
     EXPECT_NE(picture_, before) << "at once";
     EXPECT_EQ(rateAfter(10ms), 0);
     const DisplayList there = picture_;
-    advance(2s);
-    paint();
+    paintAfter(2s);
     EXPECT_EQ(picture_, there);
     machine_.appearance.setReducesMotion(false);
     paint();
     EXPECT_EQ(view_.frameRate(), 15) << "and breathes again";
-}
-
-TEST_F(FramesTest, AStillScreenIsTheSamePictureWheneverItIsPainted) {
-    show();
-    const DisplayList first = picture_;
-    advance(24h);
-    EXPECT_EQ(paint(), first);
-    EXPECT_EQ(evaluations_, 1);
 }
 
 TEST_F(FramesTest, ManyChangesAreToldAndEvaluatedOnce) {
@@ -129,23 +120,6 @@ TEST_F(FramesTest, ManyChangesAreToldAndEvaluatedOnce) {
     const DisplayList light = picture_;
     EXPECT_NE(paint(), light);
     EXPECT_EQ(picture_.items.size(), light.items.size());
-}
-
-TEST_F(FramesTest, IsNeverLargerThanItsRoom) {
-    show();
-    height_ = 500;
-    view_.invalidate();
-    EXPECT_EQ(view_.fittingSize({1000, 300}), (Size{100, 300}));
-    EXPECT_EQ(view_.fittingSize({50, 300}), (Size{50, 300}));
-    EXPECT_EQ(view_.fittingSize({0, -1}), (Size{0, 0}));
-    EXPECT_EQ(view_.displayList({50, 300}, machine_.time.monotonic()).size, (Size{50, 300}));
-}
-
-TEST_F(FramesTest, ASizeThatTheSurfaceGivesIsThereAtOnce) {
-    show();
-    EXPECT_EQ(view_.displayList({300, 200}, machine_.time.monotonic()).size, (Size{300, 200}));
-    EXPECT_EQ(view_.frameRate(), 0);
-    EXPECT_EQ(view_.displayList({200, 100}, machine_.time.monotonic()).size, (Size{200, 100}));
 }
 
 }  // namespace

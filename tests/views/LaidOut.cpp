@@ -27,9 +27,9 @@ Element box(std::string name, const FrameSize& size) {
     return shape(Outline::rectangle(), {}).frame(size).accessible({.name = std::move(name)});
 }
 
-std::string laidOut(const std::function<Element()>& element, std::optional<Size> size) {
+std::string laidOut(Element element, std::optional<Size> size) {
     ScriptedMachine machine;
-    HostedView view(element, machine.platform());
+    HostedView view([&] { return std::move(element); }, machine.platform());
     const Size fitting = view.fittingSize({1000, 1000});
     view.displayList(size.value_or(fitting), {});
     std::ostringstream out;
@@ -37,9 +37,9 @@ std::string laidOut(const std::function<Element()>& element, std::optional<Size>
     return out.str();
 }
 
-Size fittingSize(const std::function<Element()>& element, Size most) {
+Size fittingSize(Element element, Size most) {
     ScriptedMachine machine;
-    HostedView view(element, machine.platform());
+    HostedView view([&] { return std::move(element); }, machine.platform());
     return view.fittingSize(most);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -18,9 +17,9 @@ Element box(std::string name, const FrameSize& size = {});
 
 // Where the things stand that tell their names, one after another: "a 0,0 10x20, b 10,0 5x5". Laid out at
 // the size that the element likes, or into the given one.
-std::string laidOut(const std::function<Element()>& element, std::optional<Size> size = {});
+std::string laidOut(Element element, std::optional<Size> size = {});
 
 // The size that it likes where there is no more room than `most`.
-Size fittingSize(const std::function<Element()>& element, Size most = {1000, 1000});
+Size fittingSize(Element element, Size most = {1000, 1000});
 
 }  // namespace norvane

@@ -43,29 +43,5 @@ TEST(Palette, TextsAndStatusesStandOutFromWhatIsBehindThem) {
     }
 }
 
-// Colours that are fixed by number in both appearances. They are tints and large titles, never the only sign
-// of anything; on a light ground they do not read as small text would have to, and they must not be used so.
-TEST(Palette, FixedColoursReadOnDarkGroundsAlone) {
-    struct Case {
-        const char* name;
-        Color color;
-    };
-    for (const Case& c :
-         {Case{"the tint of the settings", {0, 0.85, 0.45, 1}},
-          Case{"the tint of the welcome", {0, 1, 0.45, 1}}, Case{"the title", {0, 0.75, 0.4, 1}}}) {
-        for (const Ground& ground : groundsOf(true))
-            EXPECT_GE(contrastBetween(c.color, ground.color), kReadable)
-                << c.name << " on the dark " << ground.name;
-        EXPECT_LT(contrastBetween(c.color, panelTones(false).panel), kReadable)
-            << c.name << ": no exemption is needed";
-    }
-}
-
-TEST(Palette, OpacityMultiplies) {
-    const Paint paint = Paint(Color{0, 0, 0, 0.5}).withOpacity(0.5).withOpacity(0.5);
-    EXPECT_EQ(Palette::light().color(paint).alpha, 0.125);
-    EXPECT_NE(Palette::light().color(Ink::primary), Palette::dark().color(Ink::primary));
-}
-
 }  // namespace
 }  // namespace norvane

@@ -27,6 +27,15 @@ class ScreenTest : public testing::Test {
     // The picture of this moment, at the size that it likes or in the given one.
     const DisplayList& paint();
     void advance(std::chrono::nanoseconds by) { machine_.advance(by); }
+    void paintAfter(std::chrono::nanoseconds by) {
+        advance(by);
+        paint();
+    }
+    // Changes what the body looks at, and paints.
+    void change(const std::function<void()>& changes) {
+        view_.change(changes);
+        paint();
+    }
 
     // The item of this picture that the text, symbol or filled colour is; none where it is not in it. It is
     // looked for in groups as well.

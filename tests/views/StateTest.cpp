@@ -47,7 +47,7 @@ class StateTest : public ScreenTest {
 
     bool showsFirst_ = true;
     std::vector<std::string> names_;
-    int watched_ = 0;
+    double watched_ = 0;
     std::function<void()> followUp_;
     std::vector<std::pair<std::string, State<int>>> states_;
     int counterEvaluations_ = 0;
@@ -61,24 +61,19 @@ TEST_F(StateTest, LastsForAsLongAsItsPartIsInTheTree) {
     perform("second");
     paint();
     EXPECT_TRUE(shows("second=2"));
-    view_.invalidate();
-    paint();
+    change([] {});
     EXPECT_TRUE(shows("second=2")) << "an evaluation of everything";
-    view_.change([&] { showsFirst_ = false; });
-    paint();
+    change([&] { showsFirst_ = false; });
     EXPECT_TRUE(shows("second=2")) << "what was before it is absent: it is still who it was";
     view_.disappear();
     show();
     EXPECT_TRUE(shows("second=2")) << "closed in between";
-    view_.change([&] { showsFirst_ = true; });
-    paint();
+    change([&] { showsFirst_ = true; });
     perform("first");
     paint();
     EXPECT_TRUE(shows("first=1"));
-    view_.change([&] { showsFirst_ = false; });
-    paint();
-    view_.change([&] { showsFirst_ = true; });
-    paint();
+    change([&] { showsFirst_ = false; });
+    change([&] { showsFirst_ = true; });
     EXPECT_TRUE(shows("first=0")) << "it had left";
 }
 
@@ -86,14 +81,12 @@ TEST_F(StateTest, FollowsItsPartByNameWhereverItGoes) {
     names_ = {"a", "b", "c"};
     show();
     perform("b");
-    view_.change([&] { names_ = {"c", "x", "b"}; });
-    paint();
+    change([&] { names_ = {"c", "x", "b"}; });
     EXPECT_TRUE(shows("b=1"));
     EXPECT_TRUE(shows("c=0"));
     EXPECT_GT(frameOf("b=1").minY(), frameOf("c=0").minY());
     names_ = {"b", "b", "b/b", "b|b"};
-    view_.change([] {});
-    paint();
+    change([] {});
     EXPECT_TRUE(shows("b=1"));
     EXPECT_TRUE(shows("b=0")) << "of two of one name the second is another one";
     EXPECT_TRUE(shows("b/b=0"));
@@ -111,8 +104,7 @@ TEST_F(StateTest, AChangeEvaluatesOnlyItsOwnPart) {
     EXPECT_EQ(evaluations_, whole);
     EXPECT_EQ(counterEvaluations_, parts + 1);
     view_.perform(second, "press");
-    view_.invalidate();
-    paint();
+    change([] {});
     EXPECT_EQ(counterEvaluations_, parts + 3) << "along with everything else, and not twice";
     EXPECT_TRUE(shows("second=3"));
 }
@@ -122,8 +114,7 @@ TEST_F(StateTest, WhatHasLeftCanBeChangedWithoutEffect) {
     const State<int> first = stateOf("first");
     view_.animate(Animation::linear(1), [&] { showsFirst_ = false; });
     paint();
-    advance(500ms);
-    paint();
+    paintAfter(500ms);
     ASSERT_TRUE(shows("first=0")) << "seen going";
     int told = 0;
     view_.setChangeHandler([&] { ++told; });
@@ -133,8 +124,7 @@ TEST_F(StateTest, WhatHasLeftCanBeChangedWithoutEffect) {
     machine_.settle();
     EXPECT_EQ(told, 0);
     advance(1s);
-    view_.invalidate();
-    paint();
+    change([] {});
     first.change([](int& number) { ++number; });
     paint();
     EXPECT_FALSE(shows("first=0"));
@@ -157,11 +147,9 @@ TEST_F(StateTest, AppearsWithEachShowingAndWhenItJoins) {
     show();
     EXPECT_EQ(heard(), "first+ second+ ");
     paint();
-    view_.invalidate();
-    paint();
+    change([] {});
     EXPECT_EQ(heard(), "");
-    view_.change([&] { names_ = {"a"}; });
-    paint();
+    change([&] { names_ = {"a"}; });
     EXPECT_EQ(heard(), "a+ ");
     view_.disappear();
     view_.change([&] { names_ = {"a", "b"}; });
@@ -176,46 +164,26 @@ TEST_F(StateTest, AppearsWithEachShowingAndWhenItJoins) {
 TEST_F(StateTest, TellsOfAValueThatChanged) {
     show();
     heard();
-    view_.invalidate();
-    paint();
+    change([] {});
     EXPECT_EQ(heard(), "") << "the same";
     view_.change([&] { watched_ = 1; });
     EXPECT_EQ(heard(), "") << "not before it is evaluated";
     paint();
     EXPECT_EQ(heard(), "changed ");
     view_.change([&] { watched_ = 2; });
-    view_.change([&] { watched_ = 1; });
-    paint();
+    change([&] { watched_ = 1; });
     EXPECT_EQ(heard(), "") << "back before anybody looked";
 }
 
 TEST_F(StateTest, WhatIsNoNumberDoesNotChangeForEver) {
-    class Watching : public ScreenTest {
-     public:
-        void TestBody() override {}
-        Element body() override {
-            return text("it", kTen).onChange(watched, [this] {
-                ++changes;
-                view_.invalidate();
-            });
-        }
-        void change() {
-            view_.invalidate();
-            paint();
-        }
-        using ScreenTest::show;
-        double watched = 1;
-        int changes = 0;
-    } screen;
-    screen.show();
-    screen.watched = std::numeric_limits<double>::quiet_NaN();
-    screen.change();
-    EXPECT_EQ(screen.changes, 1);
-    screen.change();
-    EXPECT_EQ(screen.changes, 1);
-    screen.watched = 1;
-    screen.change();
-    EXPECT_EQ(screen.changes, 2);
+    show();
+    heard();
+    followUp_ = [this] { view_.invalidate(); };
+    change([&] { watched_ = std::numeric_limits<double>::quiet_NaN(); });
+    change([] {});
+    EXPECT_EQ(heard(), "changed ");
+    change([&] { watched_ = 1; });
+    EXPECT_EQ(heard(), "changed ");
 }
 
 TEST_F(StateTest, AClosedScreenIsNeverEvaluated) {
@@ -290,12 +258,10 @@ TEST_F(StateTest, HandlersThatLeadToChangesEndAndCarryOnWithTheNextPicture) {
 TEST_F(StateTest, AHandlerMayAnimateWhatItFinds) {
     show();
     followUp_ = [this] { view_.animate(Animation::linear(1), [this] { names_ = {"a"}; }); };
-    view_.change([&] { ++watched_; });
-    paint();
+    change([&] { ++watched_; });
     followUp_ = nullptr;
     EXPECT_EQ(opacityOf("a=0"), 0);
-    advance(500ms);
-    paint();
+    paintAfter(500ms);
     EXPECT_NEAR(opacityOf("a=0"), 0.5, 1e-9);
 }
 

@@ -90,6 +90,24 @@ std::string Bystander::text(xcb_window_t window, const std::string& property) co
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
+bool Bystander::hasAtom(xcb_window_t window, const std::string& property, const std::string& name) const {
+    const auto all = numbers(window, property);
+    return std::find(all.begin(), all.end(), atom(name)) != all.end();
+}
+
+bool Bystander::isUnmanaged(xcb_window_t window) const {
+    const X11Reply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    return reply && reply->override_redirect != 0;
+}
+
+void Bystander::setNumbers(xcb_window_t window, const std::string& property,
+                           const std::vector<std::uint32_t>& values) const {
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), XCB_ATOM_CARDINAL, 32,
+                        static_cast<std::uint32_t>(values.size()), values.data());
+    sync();
+}
+
 void Bystander::setResources(const std::string& resources) const {
     xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root_, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING,
                         8, static_cast<std::uint32_t>(resources.size()), resources.data());
@@ -104,14 +122,23 @@ xcb_window_t Bystander::open(const PixelRect& frame) {
                       static_cast<std::uint16_t>(frame.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
                       values.data());
-    xcb_map_window(connection_, window);
-    sync();
+    map(window);
     return window;
 }
 
 void Bystander::raise(xcb_window_t window) const {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    sync();
+}
+
+void Bystander::map(xcb_window_t window) const {
+    xcb_map_window(connection_, window);
+    sync();
+}
+
+void Bystander::unmap(xcb_window_t window) const {
+    xcb_unmap_window(connection_, window);
     sync();
 }
 

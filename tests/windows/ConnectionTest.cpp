@@ -1,5 +1,4 @@
-#include "DesktopTest.h"
-#include "RecordingObserver.h"
+#include "PopoverFixture.h"
 
 namespace norvane {
 namespace {
@@ -9,19 +8,14 @@ TEST(X11ConnectionWithoutAServer, IsNoConnection) {
     EXPECT_EQ(X11Connection::open("no display at all"), nullptr);
 }
 
-class ConnectionTest : public DesktopTest {};
+class ConnectionTest : public PopoverFixture {};
 
 TEST_F(ConnectionTest, TheEndOfTheServerIsToldOnceAndEverythingEndsCleanly) {
-    SwatchContent content;
-    RecordingObserver observer;
+    SwatchContent label;
     auto item = windowServer_->statusItemWithLength(54);
-    item->setContent(&content);
-    auto popover = windowServer_->makePopoverWindow(content, observer);
-    popover->place(anchorAbove(200, 100));
-    popover->orderFront();
-    popover->makeKeyWindow();
+    item->setContent(&label);
+    open();
     ASSERT_TRUE(comes([&] { return bystander_->windows().size() == 2; }));
-
     int ends = 0;
     connection_->setEndHandler([&] { ++ends; });
     bystander_.reset();
@@ -29,31 +23,28 @@ TEST_F(ConnectionTest, TheEndOfTheServerIsToldOnceAndEverythingEndsCleanly) {
     ASSERT_TRUE(comes([&] { return ends > 0; }));
     EXPECT_FALSE(connection_->isAlive());
     // Whatever is still asked of the windows does nothing.
-    content.size = {400, 400};
-    content.change();
+    content_.size = {400, 400};
+    content_.change();
+    label.change();
     appearance_.setDark(true);
-    EXPECT_FALSE(popover->visibleFrame());
+    EXPECT_FALSE(popover_->visibleFrame());
     EXPECT_FALSE(item->buttonFrame());
-    popover->orderOut();
-    popover->place(anchorAbove(0, 0));
-    popover->orderFront();
-    bool hasTurned = false;
-    const Cancellation turn = mainQueue_.after(std::chrono::milliseconds(1), [&] { hasTurned = true; });
-    EXPECT_TRUE(comes([&] { return hasTurned; }));
+    popover_->orderOut();
+    show();
+    turn(std::chrono::milliseconds(1));
     EXPECT_EQ(ends, 1);
 }
 
-TEST_F(ConnectionTest, EventsThatCameWithARepliesAreDeliveredWithoutAnyMore) {
-    const xcb_window_t root = connection_->root();
+TEST_F(ConnectionTest, EventsThatCameWithAReplyAreDeliveredWithoutAnyMore) {
     int notices = 0;
-    const Cancellation events = connection_->onEvent(root, [&](const xcb_generic_event_t& event) {
-        if ((event.response_type & 0x7F) == XCB_PROPERTY_NOTIFY) ++notices;
-    });
+    const Cancellation events =
+        connection_->onEvent(connection_->root(), [&](const xcb_generic_event_t& event) {
+            if ((event.response_type & 0x7F) == XCB_PROPERTY_NOTIFY) ++notices;
+        });
     bystander_->setResources("Xft.dpi: 96");
-    // The reply comes after the event, which XCB has read by then: the socket has nothing more to say.
-    const X11Reply<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(connection_->get(), xcb_get_input_focus(connection_->get()), nullptr));
-    ASSERT_TRUE(reply);
+    // The reply comes after the event, which XCB has read by then: the socket has
+    // nothing more to say.
+    waitForTheServer();
     EXPECT_EQ(notices, 0);
     EXPECT_TRUE(comes([&] { return notices == 1; }));
 }
@@ -74,22 +65,21 @@ TEST_F(ConnectionTest, AFailedRequestIsNotFatal) {
 
 TEST_F(ConnectionTest, TheVisibleFrameIsWhatPanelsLeaveOfTheSmallestMonitor) {
     X11Screen screen(*connection_);
+    const auto comesToBe = [&](const Rect& wanted) {
+        return comes([&] { return screen.visibleFrame({10, 10}) == wanted; });
+    };
     ASSERT_EQ(runOn(xvfb_.display(), {"xrandr", "--setmonitor", "left", "500/125x700/175+0+0", "none"}), 0);
-    ASSERT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 0}, {500, 700}}; }));
+    ASSERT_TRUE(comesToBe({{0, 0}, {500, 700}}));
     EXPECT_EQ(screen.visibleFrame({600, 10}), (Rect{{0, 0}, {1000, 700}}));
     const auto setWorkArea = [&](const std::vector<std::uint32_t>& values) {
-        xcb_change_property(bystander_->get(), XCB_PROP_MODE_REPLACE, bystander_->root(),
-                            bystander_->atom("_NET_WORKAREA"), XCB_ATOM_CARDINAL, 32,
-                            static_cast<std::uint32_t>(values.size()), values.data());
-        bystander_->sync();
+        bystander_->setNumbers(bystander_->root(), "_NET_WORKAREA", values);
     };
     setWorkArea({0, 22, 1000, 678, 0, 22, 1000, 678});
-    EXPECT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 22}, {500, 678}}; }));
+    EXPECT_TRUE(comesToBe({{0, 22}, {500, 678}}));
     setWorkArea({1, 2});  // no area at all
-    EXPECT_TRUE(comes([&] { return screen.visibleFrame({10, 10}) == Rect{{0, 0}, {500, 700}}; }));
+    EXPECT_TRUE(comesToBe({{0, 0}, {500, 700}}));
     setWorkArea({600, 0, 400, 700});  // of another monitor
-    const Rect right{{600, 0}, {400, 700}};
-    EXPECT_TRUE(comes([&] { return screen.visibleFrame({700, 10}) == right; }));
+    EXPECT_TRUE(comes([&] { return screen.visibleFrame({700, 10}) == Rect{{600, 0}, {400, 700}}; }));
     EXPECT_EQ(screen.visibleFrame({10, 10}), (Rect{{0, 0}, {500, 700}}));
 }
 

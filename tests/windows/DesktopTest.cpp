@@ -1,13 +1,13 @@
 #include "DesktopTest.h"
 
 #include <glib.h>
-#include <chrono>
 
 namespace norvane {
 
 bool comes(const std::function<bool()>& state) {
     using namespace std::chrono_literals;
-    // Long, for a machine that is busy with other things; short looks, for what other programs do.
+    // Long, for a machine that is busy with other things; short looks, for what
+    // other programs do.
     const auto deadline = std::chrono::steady_clock::now() + 20s;
     while (!state()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
@@ -25,12 +25,7 @@ void DesktopTest::SetUp() {
     bystander_ = std::make_unique<Bystander>(xvfb_.display());
     ASSERT_NE(bystander_->root(), XCB_NONE);
     connect();
-}
-
-void DesktopTest::TearDown() {
-    windowServer_.reset();
-    connection_.reset();
-    bystander_.reset();
+    if (!HasFatalFailure()) begin();
 }
 
 void DesktopTest::connect(const X11Connection::Uses& uses) {

@@ -38,11 +38,13 @@ class SwitchedAppearance final : public Appearance {
 // Runs the main loop until the state is there. False if it does not come.
 bool comes(const std::function<bool()>& state);
 
-// Our windows on an X server of this test's own, without a window manager, beside another program.
+// Our windows on an X server of this test's own, without a window manager,
+// beside another program.
 class DesktopTest : public ::testing::Test {
  protected:
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() final;
+    // What a kind of test does first, connected.
+    virtual void begin() {}
     // Connects and makes the window server, with the resources that are set then.
     void connect(const X11Connection::Uses& uses = {});
 
@@ -56,6 +58,7 @@ class DesktopTest : public ::testing::Test {
     void moveTo(int x, int y) const;
     void click(int x, int y, int button = 1) const;
     void type(const std::string& key) const;
+    bool shows(int x, int y, std::uint32_t pixel) const { return bystander_->pixelAt(x, y) == pixel; }
 
     Xvfb xvfb_;
     std::unique_ptr<Bystander> bystander_;
@@ -70,7 +73,8 @@ class DesktopTest : public ::testing::Test {
     std::unique_ptr<X11WindowServer> windowServer_;
 };
 
-// The anchor below which a popover hangs that has its upper edge's middle there.
+// The anchor below which a popover hangs that has its upper edge's middle
+// there.
 constexpr Rect anchorAbove(double middle, double top) {
     return {{middle - 27, top - PopoverWindow::kGap - 22}, {54, 22}};
 }

@@ -1,28 +1,18 @@
-#include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
 #include <memory>
 #include <optional>
-#include <vector>
 
-#include "PaintedImage.h"
+#include "PainterFixture.h"
 
 namespace norvane {
 namespace {
 
-constexpr Color kWhite{1, 1, 1, 1};
-
-class GlowMaskTest : public ::testing::Test {
+class GlowMaskTest : public PainterFixture {
  protected:
-    PaintedImage glow(const DrawShadow& shadow, Size size, double scale = 1) {
-        return {painter_, {size, {{"glow", {{0, 0}, size}, shadow}}}, scale};
-    }
     PaintedImage glow(const Rect& rect, double radius, double blur, Size size, double scale = 1) {
-        return glow(DrawShadow{RoundedRect{rect, radius}, std::nullopt, blur, {}, kWhite}, size, scale);
+        return painted(size, DrawShadow{RoundedRect{rect, radius}, std::nullopt, blur, {}, kRed}, scale);
     }
-
-    TextLayouts layouts_;
-    CairoPainter painter_{layouts_};
 };
 
 // The share of a normal distribution's weight that is below `at`.
@@ -30,16 +20,16 @@ double below(double at, double deviation) {
     return std::erfc(-at / (deviation * std::sqrt(2.0))) / 2;
 }
 
-// Of a rectangle the true blur is known: along each axis it is the difference of two such shares.
+// Of a rectangle the true blur is known: along each axis it is the difference
+// of two such shares.
 TEST_F(GlowMaskTest, ComesNearToATrueGaussian) {
     struct Case {
         Rect rect;
         double radius;
         double scale;
     };
-    for (const Case& c : {Case{{{30, 30}, {40, 10}}, 4, 1}, Case{{{30, 30}, {40, 10}}, 4.5, 1},
-                          Case{{{30, 30}, {40, 10}}, 2, 1}, Case{{{40, 40}, {8, 30}}, 12, 1},
-                          Case{{{30, 30}, {60, 40}}, 20, 1}, Case{{{30, 30}, {40, 12}}, 5, 2},
+    for (const Case& c : {Case{{{30, 30}, {40, 10}}, 4.5, 1}, Case{{{30, 30}, {40, 10}}, 2, 1},
+                          Case{{{40, 40}, {8, 30}}, 12, 1}, Case{{{30, 30}, {40, 12}}, 5, 2},
                           Case{{{30, 30}, {700, 8}}, 6, 1}, Case{{{60, 60}, {500, 400}}, 6.5, 1}}) {
         const Size size{c.rect.maxX() + 60, c.rect.maxY() + 60};
         const PaintedImage image = glow(c.rect, 0, c.radius, size, c.scale);
@@ -61,7 +51,7 @@ TEST_F(GlowMaskTest, ComesNearToATrueGaussian) {
 TEST_F(GlowMaskTest, IsAlikeOnAllSidesAndReachesOneAndAHalfRadii) {
     for (const double radius : {2.0, 3.5, 8.0}) {
         const PaintedImage image =
-            glow(DrawShadow{Arc{{50, 50}, 20, 0, 1}, StrokeStyle{4}, radius, {}, kWhite}, {100, 100});
+            painted({100, 100}, DrawShadow{Arc{{50, 50}, 20, 0, 1}, StrokeStyle{4}, radius, {}, kRed});
         int first = 100;
         for (int y = 0; y < 100; ++y) {
             for (int x = 0; x < 100; ++x) {
@@ -85,11 +75,8 @@ TEST_F(GlowMaskTest, IsAlikeOnAllSidesAndReachesOneAndAHalfRadii) {
 TEST_F(GlowMaskTest, InAnyPlaceAndColorAndLengthItIsTheSameMask) {
     GlowMasks& masks = painter_.caches().glows;
     for (int i = 0; i < 40; ++i) {
-        const double x = 20 + 0.37 * i;
-        glow(
-            DrawShadow{
-                RoundedRect{{{x, 20}, {260, 10}}, 5}, std::nullopt, 4, {}, kWhite.withOpacity(0.02 * i)},
-            {400, 50});
+        const RoundedRect bar{{{20 + 0.37 * i, 20}, {260, 10}}, 5};
+        painted({400, 50}, DrawShadow{bar, std::nullopt, 4, {}, kRed.withOpacity(0.02 * i)});
     }
     EXPECT_EQ(masks.count(), 1u);
     for (int length = 300; length < 520; ++length)
@@ -100,15 +87,14 @@ TEST_F(GlowMaskTest, InAnyPlaceAndColorAndLengthItIsTheSameMask) {
     for (double radius = 2; radius <= 6; radius += 0.01)
         glow({{20, 20}, {260, 10}}, 5, radius, {400, 50});
     EXPECT_LE(masks.count(), 3u + 5u);
-    // The same segments are the same path.
     painter_.caches().clear();
     EXPECT_EQ(painter_.caches().count(), 0u);
     EXPECT_EQ(painter_.caches().bytes(), 0u);
     for (int i = 0; i < 5; ++i) {
-        auto path = std::make_shared<Path>(Path{{Path::MoveTo{{0, 0}}, Path::LineTo{{40, 9}}}});
-        glow(DrawShadow{PlacedPath{path, {10.3 * i, 7}, 1, 1}, StrokeStyle{2}, 3, {}, kWhite}, {100, 30});
+        const auto path = std::make_shared<Path>(Path{{Path::MoveTo{{0, 0}}, Path::LineTo{{40, 9}}}});
+        painted({100, 30}, DrawShadow{PlacedPath{path, {10.3 * i, 7}, 1, 1}, StrokeStyle{2}, 3, {}, kRed});
     }
-    EXPECT_EQ(masks.count(), 1u);
+    EXPECT_EQ(masks.count(), 1u) << "the same segments are the same path";
 }
 
 TEST_F(GlowMaskTest, BetweenTwoWholeRadiiItIsBetweenTheirGlows) {
@@ -124,41 +110,38 @@ TEST_F(GlowMaskTest, BetweenTwoWholeRadiiItIsBetweenTheirGlows) {
 
 TEST_F(GlowMaskTest, WhatIsKeptIsBounded) {
     const GlowMasks& masks = painter_.caches().glows;
-    for (int i = 0; i < 400; ++i)
-        glow(DrawShadow{Arc{{90, 90}, 50.0 + i % 7, 0.01 * i, 0.01 * i + 0.6},
-                        StrokeStyle{5},
-                        1.0 + i % 9,
-                        {},
-                        kWhite},
-             {180, 180}, 2);
+    for (int i = 0; i < 400; ++i) {
+        const Arc arc{{90, 90}, 50.0 + i % 7, 0.01 * i, 0.01 * i + 0.6};
+        painted({180, 180}, DrawShadow{arc, StrokeStyle{5}, 1.0 + i % 9, {}, kRed}, 2);
+    }
     EXPECT_LE(masks.count(), GlowMasks::kMostMasks);
     EXPECT_LE(masks.bytes(), GlowMasks::kMostBytes);
     EXPECT_GT(masks.count(), 10u);
-    // A turning arc comes to the places where it was.
     painter_.caches().clear();
-    for (int i = 0; i < 500; ++i)
-        glow(DrawShadow{Arc{{40, 40}, 20, 0.05 * i, 0.05 * i + 0.5}, StrokeStyle{5}, 4, {}, kWhite},
-             {80, 80});
-    EXPECT_LE(masks.count(), 22u);
+    for (int i = 0; i < 500; ++i) {
+        const Arc arc{{40, 40}, 20, 0.05 * i, 0.05 * i + 0.5};
+        painted({80, 80}, DrawShadow{arc, StrokeStyle{5}, 4, {}, kRed});
+    }
+    EXPECT_LE(masks.count(), 22u) << "a turning arc comes to the places where it was";
 }
 
 TEST_F(GlowMaskTest, OutsideOnlyItLeavesTheShapeItselfAlone) {
-    const Rect rect{{20, 20}, {60.5, 30}};
-    DrawShadow shadow{RoundedRect{rect, 8}, std::nullopt, 10, {0, 4}, kWhite, true};
+    const RoundedRect shape{{{20, 20}, {60.5, 30}}, 8};
     for (const double scale : {1.0, 1.5}) {
-        const PaintedImage image = glow(shadow, {100, 80}, scale);
-        const PaintedImage shape(painter_, {{100, 80}, {{"", rect, FillShape{shadow.shape, kWhite}}}}, scale);
+        const PaintedImage image =
+            painted({100, 80}, DrawShadow{shape, std::nullopt, 10, {0, 4}, kRed, true}, scale);
+        const PaintedImage inside = painted({100, 80}, FillShape{shape, kRed}, scale);
         int most = 0;
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
-                ASSERT_LE(image.alphaAt(x, y), 255 - shape.alphaAt(x, y) + 1);
+                ASSERT_LE(image.alphaAt(x, y), 255 - inside.alphaAt(x, y) + 1);
                 most = std::max(most, image.alphaAt(x, y));
             }
         }
         EXPECT_GT(most, 120);
     }
-    shadow = {Arc{{50, 40}, 20, 0, 0.75}, StrokeStyle{6}, 4, {}, kWhite, true};
-    const PaintedImage ring = glow(shadow, {100, 80});
+    const PaintedImage ring =
+        painted({100, 80}, DrawShadow{Arc{{50, 40}, 20, 0, 0.75}, StrokeStyle{6}, 4, {}, kRed, true});
     EXPECT_EQ(ring.alphaAt(69, 40), 0) << "where the line is";
     EXPECT_GT(ring.alphaAt(75, 40), 20);
     EXPECT_GT(ring.alphaAt(64, 40), 20);

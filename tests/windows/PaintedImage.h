@@ -11,7 +11,8 @@
 
 namespace norvane {
 
-// An image in memory that lists are painted on, and its pixels: premultiplied, 0xAARRGGBB, row by row.
+// An image in memory that lists are painted on, and its pixels: premultiplied,
+// 0xAARRGGBB, row by row.
 class PaintedImage {
  public:
     PaintedImage(CairoPainter& painter, Size points, double scale = 1)
@@ -23,13 +24,9 @@ class PaintedImage {
     // All of the list, on an image of its size.
     PaintedImage(CairoPainter& painter, const DisplayList& list, double scale = 1)
         : PaintedImage(painter, list.size, scale) {
-        paint(list);
+        paint(list, {bounds()});
     }
 
-    void paint(const DisplayList& list) {
-        const PixelRect all = bounds();
-        painter_.paint(surface_.get(), {scale_, 0, 0}, list, {&all, 1});
-    }
     void paint(const DisplayList& list, const std::vector<PixelRect>& damage) {
         painter_.paint(surface_.get(), {scale_, 0, 0}, list, damage);
     }
@@ -57,27 +54,29 @@ class PaintedImage {
         return static_cast<int>(std::count(all.begin(), all.end(), pixel));
     }
 
-    // The largest of any component of any pixel.
-    static int difference(const PaintedImage& one, const PaintedImage& other) {
-        return compared(one, other, 0).first;
-    }
-    // The same, and the number of components that differ by more than `by`.
-    static std::pair<int, int> compared(const PaintedImage& one, const PaintedImage& other, int by) {
-        int largest = 0;
-        int number = 0;
+    struct Difference {
+        int largest = 0;  // of any component of any pixel
+        int pixels = 0;   // with a component that differs by more than rounding
+    };
+    static Difference between(const PaintedImage& one, const PaintedImage& other, int rounding = 0) {
+        Difference difference;
         for (int y = 0; y < one.height_; ++y) {
             for (int x = 0; x < one.width_; ++x) {
-                const std::uint32_t a = one.at(x, y);
-                const std::uint32_t b = other.at(x, y);
-                for (unsigned shift = 0; a != b && shift < 32; shift += 8) {
-                    const int apart =
-                        std::abs(static_cast<int>(a >> shift & 0xFF) - static_cast<int>(b >> shift & 0xFF));
-                    largest = std::max(largest, apart);
-                    if (apart > by) ++number;
-                }
+                const int apart = largestBetween(one.at(x, y), other.at(x, y));
+                difference.largest = std::max(difference.largest, apart);
+                difference.pixels += apart > rounding ? 1 : 0;
             }
         }
-        return {largest, number};
+        return difference;
+    }
+    // Of any component of two pixels.
+    static int largestBetween(std::uint32_t one, std::uint32_t other) {
+        int largest = 0;
+        for (unsigned shift = 0; one != other && shift < 32; shift += 8) {
+            largest = std::max(largest, std::abs(static_cast<int>(one >> shift & 0xFF) -
+                                                 static_cast<int>(other >> shift & 0xFF)));
+        }
+        return largest;
     }
 
  private:

@@ -6,14 +6,6 @@
 #include "platform/linux/X11Reply.h"
 
 namespace norvane {
-namespace {
-
-std::array<std::uint32_t, 4> valuesOf(const PixelRect& part) {
-    return {static_cast<std::uint32_t>(part.x), static_cast<std::uint32_t>(part.y),
-            static_cast<std::uint32_t>(part.width), static_cast<std::uint32_t>(part.height)};
-}
-
-}  // namespace
 
 PlayedTray::PlayedTray(const std::string& display, xcb_visualid_t visual)
     : program_(display), panel_(program_.open(kPanel)), owner_(program_.open({-10, -10, 1, 1})) {
@@ -47,21 +39,14 @@ xcb_window_t PlayedTray::asking() {
 void PlayedTray::embed(xcb_window_t item, const PixelRect& part) {
     // As real ones do: so that the item survives its panel.
     xcb_change_save_set(program_.get(), XCB_SET_MODE_INSERT, item);
-    xcb_reparent_window(program_.get(), item, panel_, static_cast<std::int16_t>(part.x),
-                        static_cast<std::int16_t>(part.y));
-    const auto values = valuesOf(part);
-    xcb_configure_window(program_.get(), item, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-                         values.data() + 2);
-    xcb_map_window(program_.get(), item);
-    program_.sync();
+    xcb_reparent_window(program_.get(), item, panel_, 0, 0);
+    give(item, part);
+    program_.map(item);
 }
 
 void PlayedTray::give(xcb_window_t item, const PixelRect& part) {
-    xcb_configure_window(
-        program_.get(), item,
-        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-        valuesOf(part).data());
-    program_.sync();
+    place(item, part,
+          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT);
 }
 
 void PlayedTray::dismiss(xcb_window_t item) {
@@ -71,13 +56,17 @@ void PlayedTray::dismiss(xcb_window_t item) {
 }
 
 void PlayedTray::slide(int x, int y) {
-    xcb_configure_window(program_.get(), panel_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
-                         valuesOf({x, y, 0, 0}).data());
-    program_.sync();
+    place(panel_, {x, y, 0, 0}, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y);
 }
 
 void PlayedTray::close() {
     program_.close(owner_);
+}
+
+void PlayedTray::place(xcb_window_t window, const PixelRect& frame, std::uint16_t what) {
+    const std::array values{frame.x, frame.y, frame.width, frame.height};
+    xcb_configure_window(program_.get(), window, what, values.data());
+    program_.sync();
 }
 
 }  // namespace norvane

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <vector>
-
 #include "Bystander.h"
 
 namespace norvane {
 
-// A panel with a tray, another program on the same screen, that does with its items what it is told to. It
-// dies when destroyed.
+// A panel with a tray, another program on the same screen, that does with its
+// items what it is told to. It dies when destroyed.
 class PlayedTray {
  public:
     // Where the panel is, on the screen.
@@ -37,6 +35,8 @@ class PlayedTray {
     void announce();
 
  private:
+    void place(xcb_window_t window, const PixelRect& frame, std::uint16_t what);
+
     Bystander program_;
     xcb_window_t panel_ = XCB_NONE;
     xcb_window_t owner_ = XCB_NONE;

@@ -6,11 +6,12 @@
 
 namespace norvane {
 
-// The real program, running on a display with preferences of its own and no other bus than it is given. It
-// ends, at the latest, when this goes away.
+// The real program, running on a display with preferences of its own and no
+// other bus than it is given. It ends, at the latest, when this goes away.
 class Program {
  public:
-    // An empty display is none at all. Its user has been welcomed before, or starts it for the first time.
+    // An empty display is none at all. Its user has been welcomed before, or
+    // starts it for the first time.
     explicit Program(const std::string& display, bool hasSeenWelcome = true,
                      const std::string& sessionBus = {});
     ~Program();

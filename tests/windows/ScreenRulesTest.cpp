@@ -17,7 +17,6 @@ TEST(XftScale, IsReadFromTheResourcesAndStaysSane) {
     } cases[] = {
         {"", 1},
         {"Xft.dpi:\t192\n", 2},
-        {"Xft.dpi: 120", 1.25},
         {"  Xft.dpi :  144  \r\nXft.hinting: 1", 1.5},
         {"*background: red\nXft.dpi:\t96\nXft.dpi:\t192\n", 2},
         {"Xft.dpix: 192", 1},
@@ -25,16 +24,10 @@ TEST(XftScale, IsReadFromTheResourcesAndStaysSane) {
         {"Xft.dpi: 1e9", 8},
         {"Xft.dpi: 10", 0.5},
         {"Xft.dpi: 0", 1},
-        {"Xft.dpi: -96", 1},
         {"Xft.dpi: nan", 1},
-        {"Xft.dpi: inf", 1},
         {"Xft.dpi: 192dpi", 1},
         {"Xft.dpi:", 1},
-        {"Xft.dpi", 1},
-        {std::string("Xft.dpi: 19\0"
-                     "2",
-                     13),
-         1},
+        {std::string("Xft.dpi: 19\0002", 13), 1},
         {"Xft.dpi: 9999999999999999999999999999999999e99999", 1},
     };
     for (const auto& c : cases)
@@ -49,7 +42,7 @@ TEST(MonitorAt, IsTheSmallestAroundThePlaceOrTheNearest) {
         int x, y, wanted;
     } cases[] = {{"left half", 10, 10, 1},
                  {"last pixel of the left half", 799, 999, 1},
-                 {"right half", 800, 0, 2},
+                 {"first pixel of the right half", 800, 0, 2},
                  {"only on the whole", 900, 700, 0},
                  {"left of all, nearest", -50, 3, 1},
                  {"far right", 5000, 100, 2}};

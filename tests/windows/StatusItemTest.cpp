@@ -12,26 +12,22 @@ namespace {
 
 constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
 
-// The item on a screen without a window manager and without a bus: in a strip at once, and in a tray as soon
-// as there is one.
+// The item on a screen without a window manager and without a bus: in a strip
+// at once, and in a tray as soon as there is one.
 class StatusItemTest : public DesktopTest {
  protected:
-    void SetUp() override {
-        DesktopTest::SetUp();
-        if (IsSkipped() || HasFatalFailure()) return;
+    void begin() override {
         item_ = windowServer_->statusItemWithLength(54);
         appeared_ = item_->onButtonDidAppear([this] { ++appearances_; });
-    }
-    void TearDown() override {
-        appeared_.cancel();
-        item_.reset();
-        DesktopTest::TearDown();
     }
     // At which the item counts as being.
     bool comesTo(const PixelRect& place) {
         return comes([&] { return item_->buttonFrame() == place.inPoints(1); });
     }
     bool hasStrip() const { return bystander_->windowAt(kStrip).has_value(); }
+    static bool isAsked(PlayedTray& tray) {
+        return comes([&] { return tray.asking() != XCB_NONE; });
+    }
 
     std::unique_ptr<StatusItem> item_;
     int appearances_ = 0;
@@ -43,7 +39,7 @@ TEST_F(StatusItemTest, GoesIntoATrayAndBackIntoTheStripAndIsNeverInBoth) {
     ASSERT_TRUE(comes([&] { return hasStrip(); }));
     for (const PixelRect& part : {PixelRect{10, 9, 54, 22}, PixelRect{10, 9, 22, 22}}) {
         PlayedTray tray(xvfb_.display());
-        ASSERT_TRUE(comes([&] { return tray.asking() != XCB_NONE; }));
+        ASSERT_TRUE(isAsked(tray));
         EXPECT_FALSE(hasStrip());
         EXPECT_EQ(item_->buttonFrame(), std::nullopt) << "not before it is taken in";
         const int before = appearances_;
@@ -58,7 +54,8 @@ TEST_F(StatusItemTest, GoesIntoATrayAndBackIntoTheStripAndIsNeverInBoth) {
     }
 }
 
-#ifndef __SANITIZE_THREAD__  // the bus library's worker synchronises by means that it does not see
+#ifndef __SANITIZE_THREAD__  // the bus library's worker synchronises by means
+                             // that it does not see
 // In a window manager's place, so that a panel is waited for.
 TEST_F(StatusItemTest, AnIconInATrayDoesNotWaitForABusThatNeverAnswers) {
     const std::uint32_t manages = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
@@ -76,16 +73,16 @@ TEST_F(StatusItemTest, AnIconInATrayDoesNotWaitForABusThatNeverAnswers) {
 
     BusConnection bus(mainQueue_, "unix:path=" + path);
     X11WindowServer server(*connection_, bus, systemBus_, layouts_, appearance_, clock_, mainQueue_);
-    auto item = server.statusItemWithLength(StatusItem::kSquareLength);
+    const auto item = server.statusItemWithLength(StatusItem::kSquareLength);
     turn(std::chrono::milliseconds(500));
     EXPECT_EQ(tray.asking(), XCB_NONE) << "a panel might tell of something better";
-    EXPECT_TRUE(comes([&] { return tray.asking() != XCB_NONE; })) << "but not for long";
+    EXPECT_TRUE(isAsked(tray)) << "but not for long";
 }
 #endif
 
 TEST_F(StatusItemTest, ATrayThatTakesNobodyInIsLeftAlone) {
     PlayedTray tray(xvfb_.display());
-    ASSERT_TRUE(comes([&] { return tray.asking() != XCB_NONE; }));
+    ASSERT_TRUE(isAsked(tray));
     EXPECT_TRUE(comes([&] { return hasStrip(); })) << "two seconds later";
     const xcb_window_t asked = tray.asking();
     item_->setLength(StatusItem::kSquareLength);

@@ -6,7 +6,8 @@
 namespace norvane {
 namespace {
 
-// A settings manager, another program on the same screen. It dies when destroyed.
+// A settings manager, another program on the same screen. It dies when
+// destroyed.
 class PlayedManager {
  public:
     explicit PlayedManager(const std::string& display)
@@ -21,7 +22,8 @@ class PlayedManager {
     }
     void own(xcb_window_t window) { program_.own("_XSETTINGS_S0", window); }
     void announce() { program_.announce("_XSETTINGS_S0", window_); }
-    // In units of 1, 2 or 4 bytes; of the protocol's type unless another one is named.
+    // In units of 1, 2 or 4 bytes; of the protocol's type unless another one is
+    // named.
     void write(const std::string& bytes, std::uint8_t unit = 1, const char* type = "_XSETTINGS_SETTINGS") {
         writeTo(window_, bytes, unit, type);
     }
@@ -49,13 +51,7 @@ class PlayedManager {
 // With the extension that tells of selections, and without.
 class X11SettingsTest : public DesktopTest, public testing::WithParamInterface<bool> {
  protected:
-    void SetUp() override {
-        DesktopTest::SetUp();
-        if (IsSkipped() || HasFatalFailure()) return;
-        X11Connection::Uses uses;
-        uses.fixes = GetParam();
-        connect(uses);
-    }
+    void begin() override { connect({.fixes = GetParam()}); }
 
     bool come(const X11Settings& settings, const XSettings& wanted) {
         return comes([&] { return settings.current().get() == wanted; });
@@ -119,28 +115,28 @@ TEST_P(X11SettingsTest, TakesNoGarbage) {
     manager.begin(still());
     ASSERT_TRUE(come(settings, kStill));
     const std::string whole = still().whole();
-    const auto isNothing = [&](const char* name) {
-        EXPECT_TRUE(come(settings, {})) << name;
-        manager.write(whole);
-        EXPECT_TRUE(come(settings, kStill)) << name << ", and good settings again";
-    };
-    manager.write(std::string(10'000, '\xFF'));
-    isNothing("noise");
-    manager.write(whole.substr(0, whole.size() - 1));
-    isNothing("a byte is missing");
-    manager.write("");
-    isNothing("nothing");
-    manager.write(whole, 4);
-    isNothing("in numbers");
-    manager.write(whole, 1, "STRING");
-    isNothing("a property of another type");
-    manager.remove();
-    isNothing("no property");
     // More than is read, in pieces as the server takes them.
     XSettingsBytes enormous;
     enormous.string("Some/Text", std::string(200'000, 'x')).string("Other/Text", std::string(200'000, 'x'));
-    manager.write(enormous.integer("Gtk/EnableAnimations", 0).whole());
-    isNothing("beyond the bound");
+    const std::string beyond = enormous.integer("Gtk/EnableAnimations", 0).whole();
+    const struct {
+        const char* name;
+        std::function<void()> write;
+    } cases[] = {
+        {"noise", [&] { manager.write(std::string(10'000, '\xFF')); }},
+        {"a byte is missing", [&] { manager.write(whole.substr(0, whole.size() - 1)); }},
+        {"nothing", [&] { manager.write(""); }},
+        {"in numbers", [&] { manager.write(whole, 4); }},
+        {"a property of another type", [&] { manager.write(whole, 1, "STRING"); }},
+        {"no property", [&] { manager.remove(); }},
+        {"beyond the bound", [&] { manager.write(beyond); }},
+    };
+    for (const auto& c : cases) {
+        c.write();
+        EXPECT_TRUE(come(settings, {})) << c.name;
+        manager.write(whole);
+        EXPECT_TRUE(come(settings, kStill)) << c.name << ", and good settings again";
+    }
     manager.own(manager.program().root());
     manager.writeTo(manager.program().root(), whole);
     manager.announce();

@@ -12,7 +12,8 @@ namespace {
 
 constexpr int kStartMilliseconds = 30'000;
 
-// Starts the program; the child calls `prepare` before. What it prints goes nowhere.
+// Starts the program; the child calls `prepare` before. What it prints goes
+// nowhere.
 template <typename Prepare>
 pid_t start(const std::vector<std::string>& command, Prepare prepare) {
     std::vector<char*> arguments;
@@ -52,11 +53,8 @@ Xvfb::Xvfb() {
     process_ = start({"Xvfb", "-displayfd", std::to_string(kReport), "-screen", "0", screen, "-nolisten",
                       "tcp", "-noreset"},
                      [&] {
-                         if (ends[1] == kReport) {
-                             fcntl(kReport, F_SETFD, 0);
-                         } else {
-                             dup2(ends[1], kReport);
-                         }
+                         dup2(ends[1], kReport);
+                         fcntl(kReport, F_SETFD, 0);
                      });
     close(ends[1]);
     std::string number;

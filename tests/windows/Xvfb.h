@@ -6,11 +6,12 @@
 
 namespace norvane {
 
-// Runs a program to its end, with that DISPLAY. Its exit status; -1 where it could not be started.
+// Runs a program to its end, with that DISPLAY. Its exit status; -1 where it
+// could not be started.
 int runOn(const std::string& display, const std::vector<std::string>& command);
 
-// An X server of one's own, without a screen that anybody sees: on a free display, ready when constructed,
-// gone when destroyed.
+// An X server of one's own, without a screen that anybody sees: on a free
+// display, ready when constructed, gone when destroyed.
 class Xvfb {
  public:
     static bool isInstalled();
