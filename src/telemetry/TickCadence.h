@@ -9,7 +9,8 @@ namespace norvane {
 struct TickCadence {
     // Everything that only an open dashboard shows, and the snapshot.
     bool isFull = false;
-    // Slow, and wanted for alerts also while nobody looks. Once, however many reasons there are.
+    // Slow; once a minute also while nobody looks, so that an opening begins with a figure that is not old.
+    // Once, however many reasons there are.
     bool readsBattery = false;
     // GPU utilisation and disk rates.
     bool readsGPUAndDisk = false;

@@ -36,8 +36,8 @@ class LinuxUserDefaults final : public UserDefaults {
     // Waits until what was set so far has been tried, at most this long. Whether all of it is in the file.
     bool synchronize(std::chrono::milliseconds atMost = kLongestGoodbye);
 
-    // Where the defaults of the user of this process are, by the XDG Base Directory Specification; empty if
-    // that user has no home.
+    // Where the defaults of the user of this process are, in the folder that the desktop
+    // sets aside for settings ("XDG Base Directory", freedesktop.org); empty if that user has no home.
     static std::string defaultPath();
     // The same from the two variables, either of which may be null. Relative ones count as not set.
     static std::string pathIn(const char* xdgConfigHome, const char* home);
