@@ -183,7 +183,7 @@ void SoakMachine::eachFault(const std::function<void(bool isSlow)>& live) {
         const std::size_t count = operation->faultNames().size();
         for (std::size_t fault = 0; fault < count; ++fault, ++strikes) {
             operation->fail(fault);
-            live(operation->name() == FaultsOf<kVolumesOfTick>::kName);
+            live(operation->name() == "mountedVolumeURLs");
         }
         operation->recover();
     }

@@ -248,11 +248,4 @@ class FaultyWallClock final : public WallClock {
     FaultyOperation<WallInstant> now_;
 };
 
-// What the soak asks of the slow one.
-inline constexpr int kVolumesOfTick = 0;
-template <int>
-struct FaultsOf {
-    static constexpr const char* kName = "mountedVolumeURLs";
-};
-
 }  // namespace norvane
