@@ -23,17 +23,28 @@ bool isPromised(const std::string& file, const std::string& cmakeCache) {
            (file.starts_with("benchmarks/") && isOn("NORVANE_BENCHMARKS"));
 }
 
-// What a compilation database compiles, written from the project's root where it lies there.
-std::set<std::string> compiledIn(const std::string& database) {
-    static const std::regex pattern(R"re(^\s*"file": "(.*)",?\s*$)re");
+// The files that stand in the lines of a text which the pattern fits, written from the project's root.
+std::set<std::string> filesNamedIn(const std::string& text, const std::regex& pattern) {
     std::set<std::string> files;
-    for (const std::string& line : linesOf(database)) {
+    for (const std::string& line : linesOf(text)) {
         std::smatch parts;
         if (!std::regex_match(line, parts, pattern)) continue;
         const std::filesystem::path file = std::filesystem::path(parts[1].str()).lexically_normal();
         files.insert(file.lexically_relative(projectFolder()).generic_string());
     }
     return files;
+}
+
+// What a compilation database compiles.
+std::set<std::string> compiledIn(const std::string& database) {
+    static const std::regex pattern(R"re(^\s*"file": "(.*)",?\s*$)re");
+    return filesNamedIn(database, pattern);
+}
+
+// What a file compiles that CMake made to compile several together.
+std::set<std::string> joinedIn(const std::string& source) {
+    static const std::regex pattern(R"re(^#include "(.*)"$)re");
+    return filesNamedIn(source, pattern);
 }
 
 std::string builtFile(const std::string& name) {
@@ -43,7 +54,11 @@ std::string builtFile(const std::string& name) {
 TEST(EveryTestIsBuilt, AndEverySourceWithIt) {
     const std::string cache = builtFile("CMakeCache.txt");
     ASSERT_TRUE(isPromised("tests/house/X.cpp", cache)) << "this was built, so the options were read wrongly";
-    const std::set<std::string> compiled = compiledIn(builtFile("compile_commands.json"));
+    std::set<std::string> compiled;
+    for (const std::string& file : compiledIn(builtFile("compile_commands.json"))) {
+        compiled.insert(file);
+        if (file.find("/Unity/unity_") != std::string::npos) compiled.merge(joinedIn(contentsOf(file)));
+    }
     for (const std::string& file : filesBelow(""))
         EXPECT_TRUE(compiled.contains(file) || !isPromised(file, cache)) << "nobody compiles " << file;
 }
@@ -70,6 +85,8 @@ TEST(EveryTestIsBuiltCheck, KnowsWhatIsPromisedAndDone) {
                          "/src/drawing/Rect.cpp\"\n},\n{\n  \"file\": \"" + root +
                          "/tests/house/../drawing/RectTest.cpp\",\n  \"output\": \"x.o\"\n}\n]\n"),
               (std::set<std::string>{"src/drawing/Rect.cpp", "tests/drawing/RectTest.cpp"}));
+    EXPECT_EQ(joinedIn("/* generated */\n\n#include \"" + root + "/src/drawing/Rect.cpp\"\n"),
+              (std::set<std::string>{"src/drawing/Rect.cpp"}));
 }
 
 }  // namespace

@@ -14,6 +14,15 @@ constexpr bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
+template <typename IsEnd>
+std::string_view withoutEnds(std::string_view text, IsEnd&& isEnd) {
+    while (!text.empty() && isEnd(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isEnd(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view word) {
     Number number{};
@@ -47,10 +56,13 @@ std::optional<std::uint64_t> takeNumber(std::string_view& line) {
     return number;
 }
 
+std::string_view trimmed(std::string_view text) {
+    return withoutEnds(
+        text, [](char byte) { return isBlank(byte) || byte == '\r' || byte == '\n' || byte == '\0'; });
+}
+
 std::string_view trimmed(std::string_view text, std::string_view ends) {
-    const auto first = text.find_first_not_of(ends);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(ends) - first + 1);
+    return withoutEnds(text, [ends](char byte) { return ends.find(byte) != std::string_view::npos; });
 }
 
 std::string collapsed(std::string_view text) {

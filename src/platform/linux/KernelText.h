@@ -17,8 +17,10 @@ std::string_view takeWord(std::string_view& line);
 // As `takeWord`, if the word is an unsigned decimal number; otherwise nothing is removed.
 std::optional<std::uint64_t> takeNumber(std::string_view& line);
 
-// Without those characters at either end; by default blanks, newlines and NULs.
-std::string_view trimmed(std::string_view text, std::string_view ends = {" \t\r\n\0", 5});
+// Without blanks, newlines and NULs at either end.
+std::string_view trimmed(std::string_view text);
+// The same of other characters.
+std::string_view trimmed(std::string_view text, std::string_view ends);
 // Blanks at the ends gone, those inside reduced to one space; newlines and other control bytes are blanks.
 std::string collapsed(std::string_view text);
 
