@@ -61,6 +61,12 @@ class ReadBehindTest : public testing::Test {
  protected:
     using Reading = SlowReading<int>;
 
+    // A request that was never worked on holds its source, which holds the request.
+    void TearDown() override {
+        for (const auto& source : {a, b})
+            source->posted.reset();
+    }
+
     FakeSystemCalls system;
     std::shared_ptr<ScriptedWaiter> waiter = std::make_shared<ScriptedWaiter>();
     std::optional<ReadBehind> readBehind{std::in_place, waiter, system.calls.now};
