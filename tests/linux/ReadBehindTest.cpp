@@ -63,7 +63,7 @@ class ReadBehindTest : public testing::Test {
 
     // A request that was never worked on holds its source, which holds the request.
     void TearDown() override {
-        for (const auto& source : {a, b})
+        for (const auto& source : {a, b, c})
             source->posted.reset();
     }
 
@@ -73,6 +73,7 @@ class ReadBehindTest : public testing::Test {
     Nanoseconds workTime{0};
     std::shared_ptr<Source> a = std::make_shared<Source>();
     std::shared_ptr<Source> b = std::make_shared<Source>();
+    std::shared_ptr<Source> c = std::make_shared<Source>();
 
     std::unique_ptr<Reading> readingOf(const std::shared_ptr<Source>& source,
                                        ReadBehind::AskedBy askedBy = nullptr) {
@@ -148,7 +149,6 @@ TEST_F(ReadBehindTest, ATickWaitsNoLongerThanItsBudgetInAllAndOnlyForWhatIsDue) 
     EXPECT_FALSE(b->posted);
     EXPECT_EQ(first->get({1}), 1);
 
-    const auto c = std::make_shared<Source>();
     const auto third = readingOf(c);
     b->isDue = true;
     waiter->meanwhile = [&](Nanoseconds budget) { system.advance(budget); };
@@ -159,7 +159,6 @@ TEST_F(ReadBehindTest, ATickWaitsNoLongerThanItsBudgetInAllAndOnlyForWhatIsDue) 
 }
 
 TEST_F(ReadBehindTest, ATickAsksBeforehandForAllThatItIsGoingToRead) {
-    const auto c = std::make_shared<Source>();
     const auto always = readingOf(a);
     const auto volumes = readingOf(b, &TickReads::volumes);
     const auto battery = readingOf(c, &TickReads::battery);
