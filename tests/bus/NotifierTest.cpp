@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
-using State = NotifierWatch::State;
+using WatcherState = NotifierWatch::State;
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
@@ -43,7 +43,7 @@ class Watcher {
 
 class NotifierWatchTest : public BusTest {
  protected:
-    bool comesToBe(State state) {
+    bool comesToBe(WatcherState state) {
         return runUntil([&] { return watch.state() == state; });
     }
 
@@ -55,56 +55,57 @@ TEST_F(NotifierWatchTest, KnowsSoonWhetherThereIsAHost) {
     struct Case {
         const char* hasHost;  // "" for no watcher
         bool isSilent;
-        State end;
+        WatcherState end;
     };
-    for (const Case& each : {Case{"", false, State::absent}, Case{"true", false, State::present},
-                             Case{"false", false, State::absent}, Case{"'yes'", false, State::absent},
-                             Case{"<true>", false, State::absent}, Case{"true", true, State::absent}}) {
+    for (const Case& each :
+         {Case{"", false, WatcherState::absent}, Case{"true", false, WatcherState::present},
+          Case{"false", false, WatcherState::absent}, Case{"'yes'", false, WatcherState::absent},
+          Case{"<true>", false, WatcherState::absent}, Case{"true", true, WatcherState::absent}}) {
         std::unique_ptr<Watcher> watcher;
         if (*each.hasHost != '\0') watcher = std::make_unique<Watcher>(bus, each.hasHost, each.isSilent);
         BusConnection fresh(queue, bus.address(), kAtOnce);
         const NotifierWatch other(fresh, 100ms);
-        EXPECT_EQ(other.state(), State::unknown);
-        EXPECT_TRUE(runUntil([&] { return other.state() != State::unknown; }));
+        EXPECT_EQ(other.state(), WatcherState::unknown);
+        EXPECT_TRUE(runUntil([&] { return other.state() != WatcherState::unknown; }));
         EXPECT_EQ(other.state(), each.end) << each.hasHost << each.isSilent;
     }
 }
 
 TEST_F(NotifierWatchTest, FollowsHostsWatchersAndTheBus) {
     auto watcher = std::make_unique<Watcher>(bus, "false");
-    ASSERT_TRUE(comesToBe(State::absent));
+    ASSERT_TRUE(comesToBe(WatcherState::absent));
     watcher->emit("StatusNotifierHostRegistered");
-    EXPECT_TRUE(comesToBe(State::present));
+    EXPECT_TRUE(comesToBe(WatcherState::present));
     watcher->emit("StatusNotifierHostUnregistered");
-    EXPECT_TRUE(comesToBe(State::absent));
+    EXPECT_TRUE(comesToBe(WatcherState::absent));
     const auto& service = watcher->service;
     service.emitChange(kWatcherPath, kWatcher, "{'IsStatusNotifierHostRegistered': <true>}");
-    EXPECT_TRUE(comesToBe(State::present));
+    EXPECT_TRUE(comesToBe(WatcherState::present));
     service.emitChange(kWatcherPath, kWatcher, "@a{sv} {}", "['IsStatusNotifierHostRegistered']");
-    EXPECT_TRUE(comesToBe(State::absent));
+    EXPECT_TRUE(comesToBe(WatcherState::absent));
     watcher->hasHost = "true";
     service.emitChange(kWatcherPath, kWatcher, "1", "2");
     watcher->emit("StatusNotifierHostUnregistered");
-    EXPECT_TRUE(comesToBe(State::present)) << "there was another host";
+    EXPECT_TRUE(comesToBe(WatcherState::present)) << "there was another host";
 
     // The next one is in the queue for the name: it takes over at once.
     auto next = std::make_unique<Watcher>(bus);
     bool wasAway = false;
     const unsigned before = watch.generation();
-    auto observing = watch.onDidChange([&] { wasAway = wasAway || watch.state() != State::present; });
+    auto observing = watch.onDidChange([&] { wasAway = wasAway || watch.state() != WatcherState::present; });
     watcher.reset();
     EXPECT_TRUE(runUntil([&] { return watch.generation() != before; }));
     EXPECT_FALSE(wasAway);
     observing.cancel();
     next.reset();
-    EXPECT_TRUE(comesToBe(State::absent));
+    EXPECT_TRUE(comesToBe(WatcherState::absent));
     next = std::make_unique<Watcher>(bus);
-    EXPECT_TRUE(comesToBe(State::present));
+    EXPECT_TRUE(comesToBe(WatcherState::present));
     bus.kill();
-    EXPECT_TRUE(comesToBe(State::absent));
+    EXPECT_TRUE(comesToBe(WatcherState::absent));
     bus.start();
     next = std::make_unique<Watcher>(bus);
-    EXPECT_TRUE(comesToBe(State::present));
+    EXPECT_TRUE(comesToBe(WatcherState::present));
 }
 
 // Two pixels in a row, premultiplied as 0xAARRGGBB.

@@ -4,6 +4,7 @@
 #include <map>
 #include <regex>
 #include <set>
+#include <vector>
 
 #include "SourceTree.h"
 
@@ -32,11 +33,15 @@ std::set<std::string> fileLocalNames(const std::string& text) {
     return names;
 }
 
-// Builds may compile the sources of a folder together, sixteen to a file.
+// Builds may compile the sources of a folder together, many to a file.
 TEST(FileLocalNames, AreInOneFileOfTheirFolder) {
     std::map<std::pair<std::string, std::string>, std::string> files;  // by folder and name
-    for (const std::string& file : filesBelow("src")) {
-        if (!file.ends_with(".cpp")) continue;
+    std::vector<std::string> sources = filesBelow("src");
+    for (const std::string& file : filesBelow("tests"))
+        sources.push_back(file);
+    for (const std::string& file : sources) {
+        // Each of the fuzz targets is a program of its own.
+        if (!file.ends_with(".cpp") || file.starts_with("tests/fuzz/")) continue;
         const std::string folder = std::filesystem::path(file).parent_path().generic_string();
         for (const std::string& name : fileLocalNames(contentsOf(file))) {
             const auto [known, isNew] = files.try_emplace({folder, name}, file);

@@ -25,7 +25,7 @@ Names drawn(const std::string& folder) {
 }
 
 // The sources that choose pictures. The Linux side paints what it is told to.
-std::vector<std::string> sources() {
+std::vector<std::string> choosingSources() {
     std::vector<std::string> sources;
     for (const std::string& file : filesBelow("src")) {
         const bool isSource = file.ends_with(".h") || file.ends_with(".cpp");
@@ -55,7 +55,7 @@ TEST(PictureNames, AllHaveTheirPictures) {
         }
     };
     Names seen;
-    for (const std::string& file : sources()) {
+    for (const std::string& file : choosingSources()) {
         const PictureNames names = pictureNamesIn(contentsOf(file));
         expect(names.symbols, file, true, false);
         expect(names.images, file, false, true);
@@ -72,7 +72,7 @@ TEST(PictureNames, AllHaveTheirPictures) {
 
 TEST(Pictures, AreAllUsedOrKeptOnPurpose) {
     Names literals;
-    for (const std::string& file : sources())
+    for (const std::string& file : choosingSources())
         literals.merge(literalsIn(contentsOf(file)));
     Names all = drawn("symbols");
     all.merge(drawn("images"));

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Minutes = BatteryTimes::Minutes;
-using Numbers = std::numeric_limits<std::int64_t>;
+using Limits = std::numeric_limits<std::int64_t>;
 
 // A battery of 50 Wh, half full, that gives 10 W.
 Battery battery(const char* status = "Discharging") {
@@ -95,7 +95,7 @@ TEST(SettledBatteryTimes, WorkFromWhateverUnitsTheDriverHas) {
     expectLeft("just 24 hours", 1440, 240'000'000, {});
     expectLeft("more than 24 hours", -1, 240'000'001, {});
     expectLeft("whole minutes, cut", 150, 25'166'000, {});
-    expectLeft("the largest numbers", 60, Numbers::max(), {}, Numbers::min());
+    expectLeft("the largest numbers", 60, Limits::max(), {}, Limits::min());
     Battery bare = battery();
     bare.energy = {};
     bare.capacity = 50;

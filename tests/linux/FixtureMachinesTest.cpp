@@ -14,7 +14,7 @@
 namespace norvane {
 namespace {
 
-constexpr TickToken kNone = TickToken::none();
+constexpr TickToken kNoTick = TickToken::none();
 
 // What is asked of a captured machine.
 class FixtureMachine {
@@ -29,13 +29,13 @@ class FixtureMachine {
 
     LinuxKernel& kernel() { return *kernel_; }
     std::string number(SysctlNumber name) {
-        const auto value = kernel().sysctl().sysctlbyname(name, kNone);
+        const auto value = kernel().sysctl().sysctlbyname(name, kNoTick);
         return value ? std::to_string(*value) : "none";
     }
     std::vector<RegistryEntry> services(RegistryService kind) {
         return kernel()
             .registry()
-            .IOServiceGetMatchingServices(kind, kNone)
+            .IOServiceGetMatchingServices(kind, kNoTick)
             .value_or(std::vector<RegistryEntry>());
     }
     // Bytes read and written of each, as in "512/1024 0/0".
@@ -50,7 +50,7 @@ class FixtureMachine {
     // Lines such as "/home 'home' internal", with what is not known left out.
     std::string volumes() {
         std::string all;
-        const auto list = kernel().fileManager().mountedVolumeURLs(kNone);
+        const auto list = kernel().fileManager().mountedVolumeURLs(kNoTick);
         for (const VolumeURL& volume : list.value_or(std::vector<VolumeURL>())) {
             const VolumeResourceValues values = volume.resourceValues().value_or(VolumeResourceValues());
             all += volume.path();
@@ -71,18 +71,18 @@ class FixtureMachine {
              << number(SysctlNumber::hw_logicalcpu) << " processors";
         if (const std::string efficient = number(SysctlNumber::hw_perflevel1_logicalcpu); efficient != "none")
             text << ", " << efficient << " of them efficient";
-        EXPECT_TRUE(kernel().hostPort().host_processor_info(kNone));
+        EXPECT_TRUE(kernel().hostPort().host_processor_info(kNoTick));
         const VMStatistics64 pages =
-            kernel().hostPort().host_statistics64(kNone, SwapCounters::read).value_or(VMStatistics64());
-        text << "\nmemory " << kernel().processInfo().physicalMemory(kNone) << ": " << pages.wire_count << ' '
-             << pages.active_count << ' ' << pages.compressor_page_count << ' ' << pages.external_page_count
-             << ' ' << pages.purgeable_count << " pages";
-        if (const auto swap = sysctl.sysctlbyname_vm_swapusage(kNone))
+            kernel().hostPort().host_statistics64(kNoTick, SwapCounters::read).value_or(VMStatistics64());
+        text << "\nmemory " << kernel().processInfo().physicalMemory(kNoTick) << ": " << pages.wire_count
+             << ' ' << pages.active_count << ' ' << pages.compressor_page_count << ' '
+             << pages.external_page_count << ' ' << pages.purgeable_count << " pages";
+        if (const auto swap = sysctl.sysctlbyname_vm_swapusage(kNoTick))
             text << ", swap " << swap->xsu_total << ' ' << swap->xsu_avail << ' ' << swap->xsu_used;
         text << "\ndrives" << drives() << "\ngraphics";
         for (const RegistryEntry& device : services(RegistryService::IOAccelerator))
             text << ' ' << propertyText(device, "PerformanceStatistics", "Device Utilization %");
-        const auto sources = kernel().powerSources().IOPSCopyPowerSourcesInfo(kNone);
+        const auto sources = kernel().powerSources().IOPSCopyPowerSourcesInfo(kNoTick);
         text << ", batteries " << (sources ? sources->size() : 99);
         for (const RegistryEntry& battery : services(RegistryService::AppleSmartBattery)) {
             for (const char* name :
@@ -91,7 +91,7 @@ class FixtureMachine {
                 text << ' ' << propertyText(battery.IORegistryEntryCreateCFProperty(name));
         }
         text << ", pressure " << number(SysctlNumber::kern_memorystatus_vm_pressure_level) << ", heat "
-             << kernel().processInfo().thermalState(kNone) << '\n';
+             << kernel().processInfo().thermalState(kNoTick) << '\n';
         return text.str() + volumes();
     }
 
@@ -179,7 +179,7 @@ TEST(FixtureMachines, ALargeServerIsReadWhole) {
     ASSERT_EQ(runTool("make-server-fixture " + folder.path()), 0);
     FixtureMachine server(folder.path());
     EXPECT_EQ(server.number(SysctlNumber::hw_logicalcpu), "256");
-    const auto processors = server.kernel().hostPort().host_processor_info(kNone);
+    const auto processors = server.kernel().hostPort().host_processor_info(kNoTick);
     ASSERT_TRUE(processors);
     EXPECT_EQ(processors->processorCount, 256u);
     EXPECT_EQ(processors->ticks[4 * 255], 100255);
@@ -201,7 +201,7 @@ TEST(FixtureMachines, AServerIsAsLargeAsItIsWanted) {
     EXPECT_EQ(server.number(SysctlNumber::hw_logicalcpu), "16");
     EXPECT_EQ(server.services(RegistryService::IOBlockStorageDriver).size(), 28u)
         << "disks beyond the alphabet";
-    const auto volumes = server.kernel().fileManager().mountedVolumeURLs(kNone);
+    const auto volumes = server.kernel().fileManager().mountedVolumeURLs(kNoTick);
     EXPECT_EQ(volumes ? volumes->size() : 0, 15u) << "the root, and one for each pair of disks";
     EXPECT_NE(runTool("make-server-fixture " + folder.path() + " many"), 0);
 }

@@ -25,8 +25,6 @@
 namespace norvane {
 namespace {
 
-using Properties = std::map<std::string, std::string, std::less<>>;
-
 TEST(KernelText, NumbersAreWholeWordsThatFit) {
     using Number = std::optional<std::uint64_t>;
     for (const auto& [text, want] :
@@ -205,6 +203,7 @@ TEST(DrmFdinfo, OfAnythingElseIsNone) {
 }
 
 TEST(PowerSupplyUeventParser, NamesPropertiesLikeTheirFilesAndBearsDamagedText) {
+    using Properties = std::map<std::string, std::string, std::less<>>;
     const auto expect = [](const std::string& text, const Properties& want) {
         EXPECT_EQ(parsePowerSupplyUevent(text).properties, want) << text;
     };

@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr TextStyle kBody{.font = {.size = 13}};
+constexpr TextStyle kPlain{.font = {.size = 13}};
 
 // A block of that size, to be laid out with others.
 Element block(double width, double height, Ink ink) {
@@ -70,7 +70,7 @@ Element sample(const std::string& name, const Outline& outline, const ShapeStyle
 DisplayList stacks(Stage& stage) {
     return pictureOf(stage, [] {
         Element filled =
-            hstack({}, text("start", kBody), spacer(), text("middle", kBody), spacer(), text("end", kBody))
+            hstack({}, text("start", kPlain), spacer(), text("middle", kPlain), spacer(), text("end", kPlain))
                 .frame({.width = 300});
         std::vector<Element> cells;
         for (int i = 0; i < 8; ++i)
@@ -99,23 +99,24 @@ DisplayList modifiers(Stage& stage) {
             return zstack({}, block(48, 30, Ink::orange), block(24, 44, Ink::blue));
         };
         return table(
-            4, these(captioned("padding", boxed(thing().padding(Insets::all(8)))),
-                     captioned("frame, end", boxed(thing().frame({.width = 80,
-                                                                  .height = 50,
-                                                                  .horizontal = Alignment::end,
-                                                                  .vertical = Alignment::end}))),
-                     captioned("background",
-                               thing()
-                                   .padding(Insets::all(6))
-                                   .background(shape(Outline::roundedRectangle(10), {.fill = Ink::teal}))),
-                     captioned("overlay", thing().overlay(centered(text("over", kBody, Ink::white)))),
-                     captioned("opacity 0.4", overlapping().opacity(0.4)),
-                     captioned("offset", boxed(thing().offset({8, 6}))),
-                     captioned("scaled 1.3", boxed(thing().scaled(1.3))),
-                     captioned("clipped 12", overlapping().frame({.width = 44, .height = 34}).clipped(12)),
-                     captioned(
-                         "condensed",
-                         boxed(text("A long line, narrowed", kBody).condensedToFit().frame({.width = 90})))));
+            4,
+            these(captioned("padding", boxed(thing().padding(Insets::all(8)))),
+                  captioned("frame, end", boxed(thing().frame({.width = 80,
+                                                               .height = 50,
+                                                               .horizontal = Alignment::end,
+                                                               .vertical = Alignment::end}))),
+                  captioned("background",
+                            thing()
+                                .padding(Insets::all(6))
+                                .background(shape(Outline::roundedRectangle(10), {.fill = Ink::teal}))),
+                  captioned("overlay", thing().overlay(centered(text("over", kPlain, Ink::white)))),
+                  captioned("opacity 0.4", overlapping().opacity(0.4)),
+                  captioned("offset", boxed(thing().offset({8, 6}))),
+                  captioned("scaled 1.3", boxed(thing().scaled(1.3))),
+                  captioned("clipped 12", overlapping().frame({.width = 44, .height = 34}).clipped(12)),
+                  captioned(
+                      "condensed",
+                      boxed(text("A long line, narrowed", kPlain).condensedToFit().frame({.width = 90})))));
     });
 }
 
@@ -183,7 +184,7 @@ DisplayList scrolled(Stage& stage) {
     const auto body = [] {
         std::vector<Element> lines;
         for (int i = 1; i <= 30; ++i)
-            lines.push_back(text("Line " + std::to_string(i) + " of thirty", kBody));
+            lines.push_back(text("Line " + std::to_string(i) + " of thirty", kPlain));
         return scrollArea(vstack({.alignment = Alignment::start, .spacing = 4}, std::move(lines))
                               .padding(Insets::horizontal(10))
                               .frame({.width = 220, .horizontal = Alignment::start}))
