@@ -15,9 +15,9 @@ constexpr std::size_t kHeight = 24;
 
 // A picture that knows what was painted where and in which order: each item mixes itself into the points that
 // it covers, so that any point painted wrongly, twice or too early has another value.
-class Picture {
+class Painting {
  public:
-    Picture() : points_(kWidth * kHeight, 0) {}
+    Painting() : points_(kWidth * kHeight, 0) {}
 
     // Clears the area and paints the part of the list that lies in it.
     void paint(const DisplayList& list, const Rect& area) {
@@ -29,7 +29,7 @@ class Picture {
         }
     }
 
-    bool operator==(const Picture&) const = default;
+    bool operator==(const Painting&) const = default;
 
  private:
     static std::uint64_t mixed(const std::vector<DisplayItem>& items, Point point, std::uint64_t value) {
@@ -120,11 +120,11 @@ TEST(Damage, IsAllThatHasToBePaintedAgain) {
     for (int frame = 0; frame < 2000; ++frame) {
         const DisplayList after = frame % 50 == 0 ? listOf(randomItems(random)) : laterThan(before, random);
         const std::vector<Rect> damage = damageBetween(before, after);
-        Picture repaired;
+        Painting repaired;
         repaired.paint(before, everything);
         for (const Rect& rect : damage)
             repaired.paint(after, rect);
-        Picture painted;
+        Painting painted;
         painted.paint(after, everything);
         ASSERT_TRUE(repaired == painted) << "frame " << frame << ", before:\n"
                                          << printed(before) << "after:\n"

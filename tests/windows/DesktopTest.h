@@ -79,6 +79,9 @@ constexpr Rect anchorAbove(double middle, double top) {
     return {{middle - 27, top - PopoverWindow::kGap - 22}, {54, 22}};
 }
 
+// Where the item is on a screen without a panel: in a strip of its own.
+inline constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
+
 inline constexpr Color kGreen{0, 1, 0, 1};
 inline constexpr Color kBlue{0, 0, 1, 1};
 inline constexpr std::uint32_t kGreenPixel = 0x00FF00;

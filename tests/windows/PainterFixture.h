@@ -12,7 +12,9 @@ namespace norvane {
 class PainterFixture : public testing::Test {
  protected:
     static constexpr Color kRed{1, 0, 0, 1};
+    static constexpr Color kBlue{0, 0, 1, 1};
     static constexpr std::uint32_t kRedPixel = 0xFFFF0000;
+    static constexpr std::uint32_t kBluePixel = 0xFF0000FF;
 
     PaintedImage painted(Size size, std::vector<DisplayItem> items, double scale = 1) {
         return {painter_, {size, std::move(items)}, scale};

@@ -6,7 +6,6 @@
 namespace norvane {
 namespace {
 
-constexpr Color kBlue{0, 0, 1, 1};
 constexpr Rect kAll{{0, 0}, {40, 40}};
 
 DisplayItem square(const Rect& rect, const Color& color) {

@@ -9,9 +9,6 @@
 namespace norvane {
 namespace {
 
-constexpr Color kBlue{0, 0, 1, 1};
-constexpr std::uint32_t kBluePixel = 0xFF0000FF;
-
 class PainterTest : public PainterFixture {
  protected:
     PaintedImage words(const std::string& text, Point at, double scaleX = 1, double scaleY = 1) {

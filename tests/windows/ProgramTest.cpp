@@ -15,7 +15,6 @@
 namespace norvane {
 namespace {
 
-constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
 constexpr int kDashboardWidth = 520;
 constexpr int kWelcomeWidth = 340;
 // Of the dashboard: the pods' middle, from its top, and the most that it is

@@ -10,8 +10,6 @@
 namespace norvane {
 namespace {
 
-constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
-
 // The item on a screen without a window manager and without a bus: in a strip
 // at once, and in a tray as soon as there is one.
 class StatusItemTest : public DesktopTest {

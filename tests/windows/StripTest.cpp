@@ -5,8 +5,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};
-
 class StripTest : public DesktopTest {
  protected:
     void begin() override {

@@ -157,5 +157,38 @@ TEST_F(TextRulerTest, WhatIsKeptIsBoundedAndNotSetAgain) {
     EXPECT_LE(layouts_.count(), TextLayouts::kMostBytes / 3900);
 }
 
+TEST_F(TextRulerTest, WhatFitsIntoALineIsSetOnceForAllPlaces) {
+    const auto aligned = [](TextAlignment alignment) {
+        TextStyle style;
+        style.alignment = alignment;
+        return style;
+    };
+    const double width = widthOf("In a line");
+    struct Case {
+        TextAlignment alignment;
+        double left;
+    };
+    for (const Case& c : {Case{TextAlignment::leading, 0}, Case{TextAlignment::center, 15},
+                          Case{TextAlignment::trailing, 30}}) {
+        const TextStyle style = aligned(c.alignment);
+        PangoLayout* const measured = layouts_.layout("In a line", style, kUnlimited);
+        for (const double extra : {0.0, 30.0}) {
+            const auto shown = layouts_.shown("In a line", style, width + extra);
+            EXPECT_EQ(shown.layout, measured);
+            EXPECT_NEAR(shown.left, extra > 0 ? c.left : 0, 0.002);
+        }
+        EXPECT_EQ(layouts_.shown("In a line", style, kUnlimited).layout, measured);
+    }
+    // Where lines begin is Pango's to say: in what is broken, has lines of its own, or is written from the
+    // right.
+    for (const auto& [text, room] :
+         {std::pair{"In a line", width - 1}, std::pair{"a\nb", 50.0}, std::pair{"\xD7\xA9\xD7\x9C", 50.0}}) {
+        const TextStyle style = aligned(TextAlignment::trailing);
+        const auto shown = layouts_.shown(text, style, room);
+        EXPECT_EQ(shown.layout, layouts_.layout(text, style, room)) << text;
+        EXPECT_EQ(shown.left, 0) << text;
+    }
+}
+
 }  // namespace
 }  // namespace norvane

@@ -8,6 +8,7 @@
 #include <memory>
 #include <utility>
 
+#include "drawing/TextRuler.h"
 #include "platform/linux/CairoHandles.h"
 #include "platform/Utf8.h"
 
@@ -204,6 +205,28 @@ PangoLayout* TextLayouts::layout(std::string_view text, const TextStyle& style, 
     bytes_ += entry.text.size();
     evict();
     return entries_.front().layout.get();
+}
+
+TextLayouts::Shown TextLayouts::shown(std::string_view text, const TextStyle& style, double width) {
+    // What begins at the right in other scripts, Pango knows.
+    const bool isLine =
+        text.size() <= kLongestText && isPlain(text) && text.find('\n') == std::string_view::npos;
+    const int units = layoutWidth(width);
+    if (!isLine || units < 0) return {layout(text, style, width)};
+    PangoLayout* const line = layout(text, style, TextRuler::kUnlimitedWidth);
+    int needed = 0;
+    pango_layout_get_size(line, &needed, nullptr);
+    if (needed > units) return {layout(text, style, width)};
+    const double free = pango_units_to_double(units - needed);
+    switch (style.alignment) {
+        case TextAlignment::leading:
+            return {line};
+        case TextAlignment::center:
+            return {line, free / 2};
+        case TextAlignment::trailing:
+            return {line, free};
+    }
+    return {line};
 }
 
 // The latest used one stays, whatever its size.

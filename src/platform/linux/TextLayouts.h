@@ -31,6 +31,14 @@ class TextLayouts {
     // whatever broke them; a negative one is none. The layout is valid until the next call.
     PangoLayout* layout(std::string_view text, const TextStyle& style, double width);
 
+    // The same to be shown: a text that fits into one line is the layout that measured it, which is not set a
+    // second time for its place among others.
+    struct Shown {
+        PangoLayout* layout = nullptr;
+        double left = 0;  // points from the text's left edge to the layout's
+    };
+    Shown shown(std::string_view text, const TextStyle& style, double width);
+
     // How texts are rasterised at a scale of the screen: with slight hinting where pixels are large, with
     // none where they are fine. Changing it drops what is kept; the measures stay.
     void rasterizeFor(double scale);

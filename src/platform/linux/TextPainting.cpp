@@ -98,7 +98,8 @@ void paintText(cairo_t* context, const DrawText& text, double scale, TextLayouts
         !isScale(text.scaleY)) {
         return;
     }
-    const double left = std::floor(at.x * scale * kPhases) / kPhases;
+    const auto [layout, inset] = layouts.shown(text.text, text.style, text.frame.size.width);
+    const double left = std::floor((at.x + inset * text.scaleX) * scale * kPhases) / kPhases;
     const double top = std::floor(at.y * scale * kPhases) / kPhases;
     const double x = std::floor(left);
     const double y = std::floor(top);
@@ -108,7 +109,6 @@ void paintText(cairo_t* context, const DrawText& text, double scale, TextLayouts
     cairo_identity_matrix(context);
     cairo_translate(context, points.x0 + x, points.y0 + y);
 
-    PangoLayout* const layout = layouts.layout(text.text, text.style, text.frame.size.width);
     if (!layouts.isOutlined()) {
         eachLineIn(context, layout, grid, pango_cairo_show_layout_line);
         return;

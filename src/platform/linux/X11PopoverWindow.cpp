@@ -1,17 +1,12 @@
 #include "platform/linux/X11PopoverWindow.h"
 
-#include <xcb/shape.h>
-#include <xcb/xcb_icccm.h>
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
 
 #include "drawing/PanelTones.h"
 #include "platform/linux/X11Event.h"
-#include "platform/linux/X11Properties.h"
-#include "platform/linux/X11Windows.h"
 
 namespace norvane {
 namespace {
@@ -88,19 +83,19 @@ void X11PopoverWindow::orderFront() {
     if (stage_ == Stage::out) place(place_.anchor());
     xcb_connection_t* const server = desk_.connection.get();
     if (stage_ == Stage::shown) {
-        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(server, window_, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        window_.raise();
         return;
     }
     stage_ = Stage::shown;
     keptMemory_ = desk_.memory.popoverShown();
     measure();
     panel_ = room_ = pixelsOf(size_);
-    createWindow();
+    window_.create(windowFrame(), [this](const xcb_generic_event_t& event) { handle(event); });
+    window_.cut(shape());
     paint();
-    xcb_map_window(server, window_);
+    xcb_map_window(server, window_.id());
     surface_.present();
-    shown_ = desk_.ownWindows.add(window_, panelOnScreen());
+    shown_ = desk_.ownWindows.add(window_.id(), panelOnScreen());
     accessible_ = desk_.accessibleSurfaces.add({.content = [this] { return &content_; },
                                                 .frame = [this] { return std::optional(panelOnScreen()); },
                                                 .hasKeyboard = [this] { return focus_.has(); }});
@@ -128,7 +123,7 @@ void X11PopoverWindow::orderOut() {
 
 void X11PopoverWindow::setFrame(const Rect& frame) {
     place_.setLeft(frame.minX());
-    if (window_ != XCB_NONE) settle();
+    if (window_.exists()) settle();
 }
 
 std::optional<Rect> X11PopoverWindow::visibleFrame() const {
@@ -154,7 +149,7 @@ X11PopoverWindow::Extent X11PopoverWindow::pixelsOf(Size size) const {
 // have the server, and a compositor, make room as often.
 void X11PopoverWindow::makeRoomFor(Size panel) {
     panel_ = pixelsOf(panel);
-    const bool canBeCut = isTranslucent_ || desk_.connection.shape().isPresent;
+    const bool canBeCut = window_.isTranslucent() || desk_.connection.shape().isPresent;
     if (panel == size_ || !canBeCut) {
         room_ = panel_;
         return;
@@ -170,7 +165,7 @@ void X11PopoverWindow::makeRoomFor(Size panel) {
 }
 
 int X11PopoverWindow::margin() const {
-    return isTranslucent_ ? pixelsCovering(PopoverShape::kShadowMargin, desk_.screen.scale()) : 0;
+    return window_.isTranslucent() ? pixelsCovering(PopoverShape::kShadowMargin, desk_.screen.scale()) : 0;
 }
 
 PixelRect X11PopoverWindow::frameOf(Extent extent) const {
@@ -191,9 +186,10 @@ PixelRect X11PopoverWindow::windowFrame() const {
 }
 
 PixelRect X11PopoverWindow::panelOnScreen() const {
-    if (!placed_) return panelFrame();
+    const auto& placed = window_.placed();
+    if (!placed) return panelFrame();
     const PixelRect window = windowFrame();
-    return panelFrame().moved(placed_->x - window.x, placed_->y - window.y);
+    return panelFrame().moved(placed->x - window.x, placed->y - window.y);
 }
 
 PopoverShape X11PopoverWindow::shape() const {
@@ -202,147 +198,33 @@ PopoverShape X11PopoverWindow::shape() const {
             .width = window.width,
             .height = window.height,
             .scale = desk_.screen.scale(),
-            .isTranslucent = isTranslucent_,
+            .isTranslucent = window_.isTranslucent(),
             .isDark = desk_.appearance.isDark()};
 }
 
 // --- The window
 // ----------------------------------------------------------------------------------------------
 
-void X11PopoverWindow::createWindow() {
-    X11Connection& connection = desk_.connection;
-    isTranslucent_ = desk_.screen.isComposited() && connection.translucentVisual().id != XCB_NONE;
-    const X11Connection::Visual& visual =
-        isTranslucent_ ? connection.translucentVisual() : connection.opaqueVisual();
-    formed_ = windowFrame();
-    window_ = xcb_generate_id(connection.get());
-    const Color tone = panelTones(desk_.appearance.isDark()).panel;
-    const std::array<std::uint32_t, 5> values{
-        isTranslucent_ ? 0 : opaquePixel(tone.red, tone.green, tone.blue), 0,
-        connection.hasManagedPopovers() ? 0u : 1u,
-        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-            XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEY_PRESS |
-            XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
-            XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW,
-        visual.colormap};
-    xcb_create_window(connection.get(), visual.depth, window_, connection.root(),
-                      static_cast<std::int16_t>(formed_.x), static_cast<std::int16_t>(formed_.y),
-                      static_cast<std::uint16_t>(formed_.width), static_cast<std::uint16_t>(formed_.height),
-                      0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.id,
-                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
-                          XCB_CW_COLORMAP,
-                      values.data());
-    events_ = connection.onEvent(window_, [this](const xcb_generic_event_t& event) { handle(event); });
-    describe();
-    cutShape();
-}
-
-void X11PopoverWindow::describe() {
-    X11Connection& connection = desk_.connection;
-    const X11Atoms& atoms = connection.atoms();
-    setNames(connection, window_, "Norvane");
-    if (!connection.hasManagedPopovers()) {
-        setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM,
-                    {atoms.netWmWindowTypeDropdownMenu});
-        return;
-    }
-    // Of the kinds of windows that compositors give the keyboard to, this one stays where it asked to be.
-    setProperty(connection, window_, atoms.netWmWindowType, XCB_ATOM_ATOM, {atoms.netWmWindowTypeDialog});
-    setProperty(connection, window_, atoms.netWmState, XCB_ATOM_ATOM,
-                {atoms.netWmStateAbove, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager});
-    // Motif's hints: of what they may tell, the decorations, and none of these.
-    static constexpr std::uint32_t kTellsDecorations = 2;
-    setProperty(connection, window_, atoms.motifWmHints, atoms.motifWmHints, {kTellsDecorations, 0, 0, 0, 0});
-    // To be asked instead of cut off.
-    setProperty(connection, window_, atoms.wmProtocols, XCB_ATOM_ATOM, {atoms.wmDeleteWindow});
-    xcb_icccm_wm_hints_t hints{};
-    xcb_icccm_wm_hints_set_input(&hints, 1);
-    xcb_icccm_wm_hints_set_normal(&hints);
-    xcb_icccm_set_wm_hints(connection.get(), window_, &hints);
-    sayWhereItIsWanted();
-}
-
-void X11PopoverWindow::sayWhereItIsWanted() {
-    xcb_size_hints_t hints{};
-    xcb_icccm_size_hints_set_position(&hints, 1, formed_.x, formed_.y);
-    hints.flags |= XCB_ICCCM_SIZE_HINT_P_POSITION;
-    xcb_icccm_size_hints_set_size(&hints, 1, formed_.width, formed_.height);
-    xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);
-    xcb_icccm_set_wm_normal_hints(desk_.connection.get(), window_, &hints);
-}
-
-// Only of a managed window: nobody moves another but us.
-void X11PopoverWindow::followPlace() {
-    if (!desk_.connection.hasManagedPopovers()) return;
-    if (const auto frame = frameOnScreen(desk_.connection, window_)) putAt(frame->x, frame->y);
-}
-
-void X11PopoverWindow::putAt(int x, int y) {
-    placed_ = Corner{x, y};
-    desk_.ownWindows.move(window_, panelOnScreen());
-    desk_.accessibleSurfaces.changed();
-}
-
 void X11PopoverWindow::destroyWindow() {
     frames_.stop();
     holdPointer_.cancel();
     shown_.cancel();
-    events_.cancel();
     surface_.release();
-    painted_ = cut_ = {};
-    placed_.reset();
-    if (window_ == XCB_NONE) return;
-    xcb_destroy_window(desk_.connection.get(), window_);  // lets the pointer go as well
-    xcb_flush(desk_.connection.get());
-    window_ = XCB_NONE;
+    painted_ = {};
+    window_.destroy();
     isUnmapped_ = false;
     visibility_ = XCB_VISIBILITY_UNOBSCURED;
 }
 
 void X11PopoverWindow::settle() {
-    const PixelRect wanted = windowFrame();
-    if (wanted != formed_) {
-        // What is on the screen stays where it is, whichever edge moves.
-        const std::uint32_t gravity = place_.hangsUp() ? XCB_GRAVITY_SOUTH_WEST : XCB_GRAVITY_NORTH_WEST;
-        xcb_change_window_attributes(desk_.connection.get(), window_, XCB_CW_BIT_GRAVITY, &gravity);
-        // A place that did not change is not asked for again: the user may have moved the window.
-        const bool isMoved = wanted.x != formed_.x || wanted.y != formed_.y;
-        const std::array<std::uint32_t, 4> values{
-            static_cast<std::uint32_t>(wanted.x), static_cast<std::uint32_t>(wanted.y),
-            static_cast<std::uint32_t>(wanted.width), static_cast<std::uint32_t>(wanted.height)};
-        const std::uint16_t size = XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-        formed_ = wanted;
-        if (desk_.connection.hasManagedPopovers()) sayWhereItIsWanted();
-        xcb_configure_window(
-            desk_.connection.get(), window_,
-            isMoved ? static_cast<std::uint16_t>(XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | size) : size,
-            isMoved ? values.data() : values.data() + 2);
-    }
-    cutShape();
-    desk_.ownWindows.move(window_, panelOnScreen());
+    window_.setFrame(windowFrame(), place_.hangsUp());
+    window_.cut(shape());
+    desk_.ownWindows.move(window_.id(), panelOnScreen());
 }
 
-// Without a compositor the panel is cut out of the window; with one, the shadow lets the pointer through.
-void X11PopoverWindow::cutShape() {
-    const PopoverShape wanted = shape();
-    const PopoverShape before = std::exchange(cut_, wanted);
-    if (wanted == before) return;
-    const bool isOtherWindow =
-        wanted.width != before.width || wanted.height != before.height || wanted.scale != before.scale;
-    if (isTranslucent_ && isOtherWindow) {
-        // The shadow is ours: others would take the window for larger than the panel, and put a rectangle
-        // around it.
-        const auto around = static_cast<std::uint32_t>(margin());
-        const X11Atoms& atoms = desk_.connection.atoms();
-        setProperty(desk_.connection, window_, atoms.comptonShadow, XCB_ATOM_CARDINAL, {0});
-        setProperty(desk_.connection, window_, atoms.gtkFrameExtents, XCB_ATOM_CARDINAL,
-                    {around, around, around, around});
-    }
-    if (!desk_.connection.shape().isPresent) return;
-    const std::vector<xcb_rectangle_t> rows = wanted.rows();
-    xcb_shape_rectangles(
-        desk_.connection.get(), XCB_SHAPE_SO_SET, isTranslucent_ ? XCB_SHAPE_SK_INPUT : XCB_SHAPE_SK_BOUNDING,
-        XCB_CLIP_ORDERING_YX_BANDED, window_, 0, 0, static_cast<std::uint32_t>(rows.size()), rows.data());
+void X11PopoverWindow::moved() {
+    desk_.ownWindows.move(window_.id(), panelOnScreen());
+    desk_.accessibleSurfaces.changed();
 }
 
 // The screen has changed. A window keeps its kind for life: under another kind of screen it needs a new one.
@@ -357,9 +239,7 @@ void X11PopoverWindow::adapt() {
         measure();
         return;
     }
-    const bool isOtherKind = isTranslucent_ != (desk_.screen.isComposited() &&
-                                                desk_.connection.translucentVisual().id != XCB_NONE);
-    if (!isOtherKind) {
+    if (!window_.isOfAnotherKind()) {
         repaintSoon();
         return;
     }
@@ -410,17 +290,14 @@ void X11PopoverWindow::paint() {
     makeRoomFor(plainSize(list.size));
     const PopoverShape form = shape();
     surface_.prepare(
-        {.window = window_,
-         .visual = isTranslucent_ ? desk_.connection.translucentVisual() : desk_.connection.opaqueVisual(),
-         .width = form.width,
-         .height = form.height});
+        {.window = window_.id(), .visual = window_.visual(), .width = form.width, .height = form.height});
 
     // All of the room gets a ground, so that a picture of a panel in motion differs from the last one by what
     // moved in it alone; the panel is cut from that.
     const PanelTones& tones = panelTones(form.isDark);
     const Rect all{{}, {room_.width / form.scale, room_.height / form.scale}};
     list.size = all.size;
-    const Color ground = tones.panel.withOpacity(isTranslucent_ ? tones.panelOpacity : 1);
+    const Color ground = tones.panel.withOpacity(form.isTranslucent ? tones.panelOpacity : 1);
     list.items.insert(list.items.begin(), {"//panel", all, FillShape{RoundedRect{all, 0}, ground}});
     surface_.paint(
         std::move(list), {.scale = form.scale, .x = form.panel.x, .y = form.panel.y},
@@ -438,13 +315,13 @@ void X11PopoverWindow::paint() {
 void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
     switch (typeOf(event)) {
         case XCB_MAP_NOTIFY:
-            followPlace();
+            if (window_.followPlace()) moved();
             if (std::exchange(isUnmapped_, false)) repaintSoon();
-            focus_.mapped(window_);
+            focus_.mapped(window_.id());
             return;
         case XCB_CONFIGURE_NOTIFY:
         case XCB_REPARENT_NOTIFY:
-            followPlace();
+            if (window_.followPlace()) moved();
             return;
         case XCB_CLIENT_MESSAGE:
             told(eventAs<xcb_client_message_event_t>(event));
@@ -479,13 +356,13 @@ void X11PopoverWindow::handle(const xcb_generic_event_t& event) {
         }
         case XCB_MOTION_NOTIFY: {
             const auto& motion = eventAs<xcb_motion_notify_event_t>(event);
-            followPointer(motion);
+            if (window_.followPointer(motion)) moved();
             pointer(PointerEvent::Kind::move, motion.root_x, motion.root_y);
             return;
         }
         case XCB_ENTER_NOTIFY: {
             const auto& enter = eventAs<xcb_enter_notify_event_t>(event);
-            followPointer(enter);
+            if (window_.followPointer(enter)) moved();
             focus_.pointerCame();
             pointer(PointerEvent::Kind::move, enter.root_x, enter.root_y);
             return;
@@ -523,7 +400,7 @@ void X11PopoverWindow::pointer(PointerEvent::Kind kind, int rootX, int rootY, Po
 }
 
 void X11PopoverWindow::pressed(const xcb_button_press_event_t& event) {
-    followPointer(event);
+    if (window_.followPointer(event)) moved();
     // Only a held pointer brings presses from outside.
     if (!panelOnScreen().contains(event.root_x, event.root_y)) {
         const bool isElsewhere =
@@ -558,7 +435,7 @@ void X11PopoverWindow::keyPressed(const xcb_key_press_event_t& event) {
 void X11PopoverWindow::holdPointer(int attempts) {
     xcb_connection_t* const server = desk_.connection.get();
     const auto cookie = xcb_grab_pointer(
-        server, 1, window_,
+        server, 1, window_.id(),
         XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION |
             XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW,
         XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);

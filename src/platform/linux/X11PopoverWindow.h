@@ -4,6 +4,7 @@
 #include "platform/linux/FrameClock.h"
 #include "platform/linux/PopoverFocus.h"
 #include "platform/linux/PopoverPlace.h"
+#include "platform/linux/PopoverServerWindow.h"
 #include "platform/linux/PopoverShape.h"
 #include "platform/linux/X11Surface.h"
 #include "platform/PopoverWindow.h"
@@ -39,10 +40,6 @@ class X11PopoverWindow final : public PopoverWindow {
 
         bool operator==(const Extent&) const = default;
     };
-    struct Corner {
-        int x = 0;
-        int y = 0;
-    };
 
     // What is asked of the content, and what of it there is on the screen, in whole pixels.
     void measure();
@@ -58,21 +55,11 @@ class X11PopoverWindow final : public PopoverWindow {
     PixelRect panelOnScreen() const;
     PopoverShape shape() const;
 
-    void createWindow();
-    void describe();
-    void sayWhereItIsWanted();
-    void followPlace();
-    // What an event of the pointer says of the window's place, which window managers do not always tell.
-    template <typename Event>
-    void followPointer(const Event& event) {
-        if (!desk_.connection.hasManagedPopovers()) return;
-        putAt(event.root_x - event.event_x, event.root_y - event.event_y);
-    }
-    void putAt(int x, int y);
     void destroyWindow();
     // Has the server know about the window's place and shape. What it grows by has been painted before.
     void settle();
-    void cutShape();
+    // A window manager has put the window somewhere else.
+    void moved();
     void adapt();
 
     bool canBeSeen() const;
@@ -97,12 +84,8 @@ class X11PopoverWindow final : public PopoverWindow {
     Extent panel_;  // what it has at this moment
     Extent room_;   // what the window has room for
 
-    xcb_window_t window_ = XCB_NONE;
-    bool isTranslucent_ = false;
-    PixelRect formed_;              // what the window was made or configured to
-    std::optional<Corner> placed_;  // where a window manager has put the window
-    PopoverShape cut_;              // what the server was told last
-    PopoverShape painted_;          // what the pixels were finished to
+    PopoverServerWindow window_{desk_};
+    PopoverShape painted_;  // what the pixels were finished to
     X11Surface surface_;
     FrameClock frames_;
     int visibility_ = XCB_VISIBILITY_UNOBSCURED;
@@ -112,7 +95,6 @@ class X11PopoverWindow final : public PopoverWindow {
 
     bool isRepaintDue_ = false;
     Cancellation repaint_;
-    Cancellation events_;
     Cancellation shown_;
     Cancellation accessible_;
     Cancellation keptMemory_;
