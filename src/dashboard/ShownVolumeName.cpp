@@ -1,28 +1,11 @@
 #include "dashboard/ShownVolumeName.h"
 
-#include <cstddef>
-
 #include "platform/Utf8.h"
 
 namespace norvane {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-// The bytes of a character by its first one, in well-formed UTF-8.
-std::size_t lengthOf(unsigned char lead) {
-    if (lead < 0x80) return 1;
-    if (lead < 0xE0) return 2;
-    return lead < 0xF0 ? 3 : 4;
-}
-
-char32_t valueOf(std::string_view character) {
-    const auto lead = static_cast<unsigned char>(character.front());
-    char32_t value = character.size() == 1 ? lead : lead & (0x7FU >> character.size());
-    for (const char byte : character.substr(1))
-        value = value << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
-    return value;
-}
 
 bool breaksLine(char32_t c) {
     return (c >= '\t' && c <= '\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
@@ -50,18 +33,15 @@ bool turnsDirection(char32_t c) {
 }  // namespace
 
 std::string shownVolumeName(std::string_view name) {
-    const std::string repaired = repairedUtf8(name);
     std::string shown;
-    shown.reserve(repaired.size());
+    shown.reserve(name.size());
     int marks = 0;
-    for (std::string_view rest = repaired; !rest.empty();) {
-        const std::string_view character = rest.substr(0, lengthOf(static_cast<unsigned char>(rest.front())));
-        rest.remove_prefix(character.size());
-        const char32_t value = valueOf(character);
+    while (!name.empty()) {
+        const auto [value, bytes] = takeUtf8Character(name);
         if (turnsDirection(value) || isInvisible(value)) continue;
         marks = isMark(value) ? marks + 1 : 0;
         if (marks > kMostMarks) continue;
-        shown += breaksLine(value) ? " " : isControl(value) ? kReplacement : character;
+        shown += breaksLine(value) ? " " : isControl(value) ? kReplacement : bytes;
     }
     return shown;
 }

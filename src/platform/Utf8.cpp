@@ -10,10 +10,10 @@ struct Sequence {
     bool isWhole = false;
 };
 
-// The character, or the piece of one, that begins at `at`.
-Sequence sequenceAt(std::string_view bytes, std::size_t at) {
+// The character, or the piece of one, that the text begins with.
+Sequence firstSequence(std::string_view bytes) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const unsigned lead = byte(at);
+    const unsigned lead = byte(0);
     if (lead < 0x80) return {1, true};
     std::size_t length = 0;
     // The second byte's range is what keeps out overlong forms, surrogates and values beyond U+10FFFF.
@@ -33,7 +33,7 @@ Sequence sequenceAt(std::string_view bytes, std::size_t at) {
         return {};
     }
     for (std::size_t i = 1; i < length; ++i) {
-        if (at + i >= bytes.size() || byte(at + i) < low || byte(at + i) > high) return {i, false};
+        if (i >= bytes.size() || byte(i) < low || byte(i) > high) return {i, false};
         low = 0x80;
         high = 0xBF;
     }
@@ -42,18 +42,24 @@ Sequence sequenceAt(std::string_view bytes, std::size_t at) {
 
 }  // namespace
 
+Utf8Character takeUtf8Character(std::string_view& text) {
+    const Sequence sequence = firstSequence(text);
+    const std::string_view bytes = text.substr(0, sequence.length);
+    text.remove_prefix(sequence.length);
+    if (!sequence.isWhole) return {};
+    // The first byte's leading ones count the bytes, and are no part of the value.
+    const auto lead = static_cast<unsigned char>(bytes.front());
+    char32_t value = bytes.size() == 1 ? lead : lead & (0x7FU >> bytes.size());
+    for (const char byte : bytes.substr(1))
+        value = value << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+    return {value, bytes};
+}
+
 std::string repairedUtf8(std::string_view bytes) {
     std::string repaired;
     repaired.reserve(bytes.size());
-    for (std::size_t at = 0; at < bytes.size();) {
-        const Sequence sequence = sequenceAt(bytes, at);
-        if (sequence.isWhole) {
-            repaired.append(bytes.substr(at, sequence.length));
-        } else {
-            repaired.append("\xEF\xBF\xBD");
-        }
-        at += sequence.length;
-    }
+    while (!bytes.empty())
+        repaired += takeUtf8Character(bytes).bytes;
     return repaired;
 }
 

@@ -90,13 +90,10 @@ bool isPlain(std::string_view text) {
 // Well-formed UTF-8 without a control character but the line feed, and with no other line break.
 std::string displayable(std::string_view text) {
     if (isPlain(text)) return std::string(text);
-    const std::string repaired = repairedUtf8(text);
     std::string shown;
-    shown.reserve(repaired.size());
-    for (std::size_t at = 0; at < repaired.size();) {
-        const char* const here = repaired.data() + at;
-        const gunichar character = g_utf8_get_char(here);
-        const auto length = static_cast<std::size_t>(g_utf8_next_char(here) - here);
+    shown.reserve(text.size());
+    while (!text.empty()) {
+        const auto [character, bytes] = takeUtf8Character(text);
         if (character == '\n') {
             shown += '\n';
         } else if (character == '\t' || character == '\r' || character == 0x2028 || character == 0x2029) {
@@ -104,9 +101,8 @@ std::string displayable(std::string_view text) {
         } else if (character < 0x20 || (character >= 0x7F && character < 0xA0)) {
             shown += kReplacement;
         } else {
-            shown.append(here, length);
+            shown += bytes;
         }
-        at += length;
     }
     return shown;
 }
