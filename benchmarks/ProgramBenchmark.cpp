@@ -40,6 +40,8 @@ constexpr int kStarts = 15;
 constexpr int kLives = 3;
 constexpr int kLaterClicks = 4;
 constexpr auto kSettling = 3s;
+// A label that has been there for a while has most of its texts set: that is how it spends the day.
+constexpr auto kFirstTexts = 30s;
 constexpr auto kClosed = 30s;
 
 // Until what fades in is half there.
@@ -157,6 +159,7 @@ void ProgramBenchmark::measureLife(const Surroundings& in) {
     ShownProgram shown(programs_.norvane, in, watcher_);
     const std::string hidden = "hidden, " + in.name;
     if (!shown.isThere()) return table_.fail(hidden + ": no strip was painted");
+    std::this_thread::sleep_for(kFirstTexts);
     const auto loads = minuteOf(shown.id(), in);
     if (!loads) return table_.fail(hidden + ": the kernel tells nothing of the program");
     const FigureTable::Beside loop{"bare loop", loads->bareLoop};
