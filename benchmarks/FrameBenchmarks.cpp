@@ -28,7 +28,7 @@ struct Bound {
     double microseconds;
 };
 constexpr std::array kBounds{
-    Bound{"frame: change, layout and list", 300},   Bound{"frame: seven things breathe, x1", 300},
+    Bound{"frame: change, layout and list", 600},   Bound{"frame: seven things breathe, x1", 300},
     Bound{"frame: seven things breathe, x2", 1000}, Bound{"frame: painting all, x1", 6000},
     Bound{"frame: painting all, x2", 15000},
 };

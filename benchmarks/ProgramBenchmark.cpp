@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kMostMillisecondsToStrip = 40;
+constexpr double kMostMillisecondsToStrip = 60;
 constexpr double kMostMillisecondsAtFirst = 80;
 constexpr double kMostMillisecondsLater = 30;
 constexpr double kMostSwitchesASecond = 2.2;
