@@ -47,7 +47,7 @@ std::string shownVolumeName(std::string_view name) {
 }
 
 std::string shownVolumeName(const ExternalVolume& volume) {
-    const std::string name = shownVolumeName(volume.name);
+    std::string name = shownVolumeName(volume.name);
     if (name.find_first_not_of(' ') != std::string::npos) return name;
     return shownVolumeName(VolumeURL(volume.url, std::nullopt).lastPathComponent());
 }
