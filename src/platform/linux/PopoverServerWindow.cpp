@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "drawing/PanelTones.h"
-#include "platform/linux/PixelSnapping.h"
 #include "platform/linux/X11Properties.h"
 #include "platform/linux/X11Windows.h"
 
@@ -125,8 +124,7 @@ void PopoverServerWindow::cut(const PopoverShape& shape) {
     if (isTranslucent_ && isOtherWindow) {
         // The shadow is ours: others would take the window for larger than the panel, and put a rectangle
         // around it.
-        const auto around =
-            static_cast<std::uint32_t>(pixelsCovering(PopoverShape::kShadowMargin, shape.scale));
+        const auto around = static_cast<std::uint32_t>(PopoverShape::shadowMargin(shape.scale));
         const X11Atoms& atoms = desk_.connection.atoms();
         setProperty(desk_.connection, id_, atoms.comptonShadow, XCB_ATOM_CARDINAL, {0});
         setProperty(desk_.connection, id_, atoms.gtkFrameExtents, XCB_ATOM_CARDINAL,

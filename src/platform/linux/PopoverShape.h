@@ -22,6 +22,8 @@ struct PopoverShape {
 
     // The room that the shadow needs on each side, in points.
     static constexpr double kShadowMargin = 30;
+    // The same in pixels.
+    static int shadowMargin(double scale) { return pixelsCovering(kShadowMargin, scale); }
 
     // The parts of the window that look otherwise than those of the other shape in a window of the same size,
     // whatever the panel shows.

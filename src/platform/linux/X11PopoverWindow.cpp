@@ -165,7 +165,7 @@ void X11PopoverWindow::makeRoomFor(Size panel) {
 }
 
 int X11PopoverWindow::margin() const {
-    return window_.isTranslucent() ? pixelsCovering(PopoverShape::kShadowMargin, desk_.screen.scale()) : 0;
+    return window_.isTranslucent() ? PopoverShape::shadowMargin(desk_.screen.scale()) : 0;
 }
 
 PixelRect X11PopoverWindow::frameOf(Extent extent) const {
