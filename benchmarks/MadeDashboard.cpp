@@ -1,5 +1,6 @@
 #include "MadeDashboard.h"
 
+#include <numeric>
 #include <vector>
 
 #include "views/Button.h"
@@ -21,9 +22,8 @@ constexpr TextStyle kCaption{.font = {.size = 10}};
 constexpr auto kFrame = std::chrono::milliseconds(33);
 
 std::vector<int> upTo(int count) {
-    std::vector<int> numbers;
-    for (int i = 0; i < count; ++i)
-        numbers.push_back(i);
+    std::vector<int> numbers(static_cast<std::size_t>(count));
+    std::iota(numbers.begin(), numbers.end(), 0);
     return numbers;
 }
 

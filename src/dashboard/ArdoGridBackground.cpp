@@ -12,8 +12,8 @@ Element ArdoGridBackground::body() const {
         auto lines = std::make_shared<Path>();
         for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
             const double height = share * frame.size.height;
-            lines->segments.push_back(Path::MoveTo{{0, height}});
-            lines->segments.push_back(Path::LineTo{{frame.size.width, height}});
+            lines->segments.emplace_back(Path::MoveTo{{0, height}});
+            lines->segments.emplace_back(Path::LineTo{{frame.size.width, height}});
         }
         scene.stroke(PlacedPath{std::move(lines), frame.origin}, {.width = 1, .dashOn = 2, .dashOff = 4},
                      scene.palette().color(Ink::primary));

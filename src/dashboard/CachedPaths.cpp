@@ -36,7 +36,7 @@ class Curves {
     Curves(std::size_t count, Size size) : count_(count), size_(size) {}
 
     Point at(const std::vector<double>& levels, std::size_t i) const {
-        const double back = static_cast<double>(count_ - 1 - i);
+        const auto back = static_cast<double>(count_ - 1 - i);
         return {size_.width - CachedPaths::step(size_.width) * back, size_.height * (1 - levels[i])};
     }
     // Level at each point: both control points lie half way, at the heights of the two ends.
@@ -46,27 +46,27 @@ class Curves {
     }
     std::shared_ptr<const Path> stroke(const std::vector<double>& levels) const {
         Path path;
-        path.segments.push_back(Path::MoveTo{at(levels, 0)});
+        path.segments.emplace_back(Path::MoveTo{at(levels, 0)});
         forward(path, levels);
         return std::make_shared<const Path>(std::move(path));
     }
     std::shared_ptr<const Path> band(const std::vector<double>& lower,
                                      const std::vector<double>& upper) const {
         Path path;
-        path.segments.push_back(Path::MoveTo{at(lower, 0)});
-        path.segments.push_back(Path::LineTo{at(upper, 0)});
+        path.segments.emplace_back(Path::MoveTo{at(lower, 0)});
+        path.segments.emplace_back(Path::LineTo{at(upper, 0)});
         forward(path, upper);
-        path.segments.push_back(Path::LineTo{at(lower, count_ - 1)});
+        path.segments.emplace_back(Path::LineTo{at(lower, count_ - 1)});
         for (std::size_t i = count_ - 1; i > 0; --i)
-            path.segments.push_back(between(at(lower, i), at(lower, i - 1)));
-        path.segments.push_back(Path::Close{});
+            path.segments.emplace_back(between(at(lower, i), at(lower, i - 1)));
+        path.segments.emplace_back(Path::Close{});
         return std::make_shared<const Path>(std::move(path));
     }
 
  private:
     void forward(Path& path, const std::vector<double>& levels) const {
         for (std::size_t i = 1; i < count_; ++i)
-            path.segments.push_back(between(at(levels, i - 1), at(levels, i)));
+            path.segments.emplace_back(between(at(levels, i - 1), at(levels, i)));
     }
 
     std::size_t count_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -92,6 +93,7 @@ Element when(bool condition, const std::function<Element()>& element);
 template <typename Range, typename Function>
 std::vector<Element> forEach(const Range& range, Function function) {
     std::vector<Element> elements;
+    elements.reserve(std::size(range));
     for (const auto& member : range)
         elements.push_back(function(member));
     return elements;

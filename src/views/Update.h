@@ -23,7 +23,7 @@ class Update {
           palette(tones),
           now(at),
           isOnScreen(onScreen),
-          animation(std::move(movement)) {}
+          animation(movement) {}
 
     ViewHost& host;
     TextRuler& ruler;
@@ -50,11 +50,7 @@ class Update {
     template <typename T>
     void move(Animated<T>& value, const T& target, const std::optional<Animation>& by) const {
         if (target == value.target()) return;
-        if (by) {
-            value.animateTo(target, *by, now);
-        } else {
-            value.moveTo(target, now);
-        }
+        by ? value.animateTo(target, *by, now) : value.moveTo(target, now);
     }
 
     // Sizes may differ from the last layout's.

@@ -82,11 +82,11 @@ std::string quoted(std::string_view program) {
             case '"':
             case '`':
             case '$':
-                value += "\\\\";
+                value += R"(\\)";
                 value += each;
                 break;
             case '\\':
-                value += "\\\\\\\\";
+                value += R"(\\\\)";
                 break;
             case '%':
                 value += "%%";

@@ -74,7 +74,7 @@ void BoxBlur::blur(cairo_surface_t* image) const {
 }
 
 void BoxBlur::alongColumns(std::vector<float>& pixels, int width, int height) const {
-    const std::size_t columns = static_cast<std::size_t>(width);
+    const auto columns = static_cast<std::size_t>(width);
     std::vector<float> source(pixels.size());
     std::vector<float> sums(columns);
     const std::vector<float> nothing(columns, 0.0F);

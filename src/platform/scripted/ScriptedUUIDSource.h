@@ -11,9 +11,11 @@ class ScriptedUUIDSource final : public UUIDSource {
  public:
     UUID next() override {
         UUID uuid;
+        auto byte = uuid.bytes.rbegin();
         std::uint64_t rest = ++count_;
-        for (auto byte = uuid.bytes.rbegin(); rest != 0; ++byte, rest >>= 8) {
-            *byte = static_cast<std::uint8_t>(rest & 0xFF);
+        while (rest != 0) {
+            *byte++ = static_cast<std::uint8_t>(rest & 0xFF);
+            rest >>= 8;
         }
         return uuid;
     }
