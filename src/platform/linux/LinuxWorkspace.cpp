@@ -80,6 +80,7 @@ void startHandler(const std::string& url) {
         LinuxWorkspace::commandFor(g_app_info_get_commandline(handler.get()), url);
     if (command.empty()) return;
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& each : command)
         arguments.push_back(each.data());
     arguments.push_back(nullptr);

@@ -70,8 +70,7 @@ class MountWatch::Watching {
         quiet_ = quietAfter(look.took);
         listen();
         if (!look.volumes) return;
-        const std::set<Volume> before = before_ ? std::move(*before_) : *look.volumes;
-        before_ = look.volumes;
+        const std::set<Volume> before = std::exchange(before_, look.volumes).value_or(*look.volumes);
         const auto hasMore = [](const std::set<Volume>& some, const std::set<Volume>& others) {
             return !std::includes(others.begin(), others.end(), some.begin(), some.end());
         };

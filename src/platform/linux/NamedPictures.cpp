@@ -51,7 +51,7 @@ NamedPictures::Image NamedPictures::picture(std::string_view name, cairo_format_
     if (const Image* kept = kept_.find(key)) return *kept;
     const std::optional<Picture> found = format == CAIRO_FORMAT_A8 ? symbolNamed(name) : imageNamed(name);
     if (!found) return nullptr;
-    const Image image(cairo_image_surface_create(format, width, height), CairoDeleter());
+    Image image(cairo_image_surface_create(format, width, height), CairoDeleter());
     const CairoContext context(cairo_create(image.get()));
     paint(context.get(), *found, width, height);
     cairo_surface_flush(image.get());

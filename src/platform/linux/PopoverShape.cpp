@@ -107,7 +107,8 @@ std::vector<xcb_rectangle_t> PopoverShape::rows() const {
     };
     if (isTranslucent) return {rectangle(0, 0, panel.height)};
     std::vector<xcb_rectangle_t> found;
-    const int corner = static_cast<int>(std::floor(radius()));
+    const auto corner = static_cast<int>(std::floor(radius()));
+    found.reserve(2 * static_cast<std::size_t>(corner) + 1);
     for (int i = 0; i < corner; ++i)
         found.push_back(rectangle(cornerInset(radius(), i), i, 1));
     if (panel.height > 2 * corner) found.push_back(rectangle(0, corner, panel.height - 2 * corner));

@@ -47,10 +47,10 @@ std::optional<std::vector<DeviceNumber>> devicesMounted(const RootFolder& root) 
 }  // namespace
 
 VolumeEjection::VolumeEjection(BusConnection& systemBus, MainQueue& mainQueue,
-                               BackgroundQueue& backgroundQueue, const RootFolder& root, std::string path,
+                               BackgroundQueue& backgroundQueue, RootFolder root, std::string path,
                                std::function<void(std::optional<std::string> error)> ended)
     : bus_(systemBus),
-      root_(root),
+      root_(std::move(root)),
       path_(std::move(path)),
       ended_(std::move(ended)),
       reader_(mainQueue, backgroundQueue) {

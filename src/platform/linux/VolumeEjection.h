@@ -22,7 +22,7 @@ class VolumeEjection {
     // The bus is the system's; it and the queues outlive this. `ended` is told once, never from within the
     // constructor, and may be the end of this.
     VolumeEjection(BusConnection& systemBus, MainQueue& mainQueue, BackgroundQueue& backgroundQueue,
-                   const RootFolder& root, std::string path,
+                   RootFolder root, std::string path,
                    std::function<void(std::optional<std::string> error)> ended);
 
  private:
