@@ -26,14 +26,12 @@ class VerbalStabiliser {
     }
 
     const std::string& stableVerbalText() const { return stableVerbalText_; }
-    // The text that is trying to take over, and how many updates in a row have produced it.
-    const std::string& candidateVerbalText() const { return candidateVerbalText_; }
-    int candidateTicks() const { return candidateTicks_; }
 
  private:
     void forgetCandidate();
 
     std::string stableVerbalText_;
+    // The text that is trying to take over, and how many updates in a row have produced it.
     std::string candidateVerbalText_;
     int candidateTicks_ = 0;
 };

@@ -30,8 +30,6 @@ class Deadband {
     }
 
     bool isActive() const { return isActive_; }
-    double thresholdOn() const { return thresholdOn_; }
-    double thresholdOff() const { return thresholdOff_; }
 
  private:
     bool isActive_ = false;

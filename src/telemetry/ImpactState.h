@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 namespace norvane {
 
 // How much energy the machine is using. Ordered: a later state is a higher one.
@@ -10,11 +8,5 @@ enum class ImpactState : int {
     moderate = 1,
     high = 2,
 };
-
-// No value for a raw value out of range.
-constexpr std::optional<ImpactState> impactStateFromRaw(int rawValue) {
-    if (rawValue < 0 || rawValue > 2) return std::nullopt;
-    return static_cast<ImpactState>(rawValue);
-}
 
 }  // namespace norvane

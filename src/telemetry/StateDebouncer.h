@@ -34,13 +34,6 @@ class StateDebouncer {
     }
 
     State currentState() const { return currentState_; }
-    // The different state that is being timed, and when it was first seen: both or neither.
-    std::optional<State> candidateState() const {
-        return candidate_ ? std::optional(candidate_->state) : std::nullopt;
-    }
-    std::optional<WallInstant> candidateSince() const {
-        return candidate_ ? std::optional(candidate_->since) : std::nullopt;
-    }
 
  private:
     struct Candidate {
@@ -48,8 +41,8 @@ class StateDebouncer {
         WallInstant since;
     };
 
-    State currentState_{};  // the lowest
-    std::optional<Candidate> candidate_;
+    State currentState_{};                // the lowest
+    std::optional<Candidate> candidate_;  // the different state that is being timed
 };
 
 }  // namespace norvane

@@ -27,11 +27,8 @@ class SustainedMetric {
                static_cast<Sample>(window_.size());
     }
 
-    // Oldest first.
-    const std::vector<Sample>& window() const { return window_; }
-
  private:
-    std::vector<Sample> window_;
+    std::vector<Sample> window_;  // oldest first
     std::size_t maxSamples_;
 };
 

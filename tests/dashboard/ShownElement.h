@@ -1,8 +1,7 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
-#include <string_view>
+#include <limits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -12,6 +11,9 @@
 
 namespace norvane {
 
+inline constexpr double kInfinite = std::numeric_limits<double>::infinity();
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
 // A screen of a fixed size on a machine of its own in virtual time, as the tests of what is on it need it.
 class ShownElement : public ShownPanel {
  public:
@@ -19,10 +21,6 @@ class ShownElement : public ShownPanel {
     ShownElement(Size size, std::function<Element()> body)
         : ShownPanel(machine, view, size), view(std::move(body), machine.platform()) {}
 
-    void advance(std::chrono::nanoseconds time) {
-        machine.advance(time);
-        settle();
-    }
     // Changes what the body looks at.
     void change(const std::function<void()>& changes) {
         view.change(changes);
@@ -41,17 +39,6 @@ class ShownElement : public ShownPanel {
         const bool meant = view.key({key});
         settle();
         return meant;
-    }
-    using ShownPanel::node;
-    AccessibleNode node(std::string_view name) {
-        for (const AccessibleNode& node : nodes())
-            if (node.name == name) return node;
-        return {};
-    }
-    bool perform(std::string_view name, std::string_view action) {
-        const bool isDone = view.perform(node(name).key, action);
-        settle();
-        return isDone;
     }
 
     ScriptedMachine machine;

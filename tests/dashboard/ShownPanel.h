@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -30,6 +32,10 @@ class ShownPanel {
         }
         picture();
     }
+    void advance(std::chrono::nanoseconds time) {
+        machine_.advance(time);
+        settle();
+    }
     DisplayList picture() { return content_.displayList(size(), machine_.time.monotonic()); }
     Size size() { return size_ ? *size_ : content_.fittingSize({2000, 2000}); }
 
@@ -39,10 +45,20 @@ class ShownPanel {
         collect(content_.accessibleTree(), all);
         return all;
     }
+    // The same by name and value: "Wired: 1.25 GB"; "*Stats" is on or chosen.
+    std::vector<std::string> told() {
+        std::vector<std::string> all;
+        for (const AccessibleNode& node : nodes()) {
+            if (node.name.empty()) continue;
+            const char* const mark = node.isOn == true ? "*" : "";
+            all.push_back(mark + node.name + (node.value.empty() ? "" : ": " + node.value));
+        }
+        return all;
+    }
     // The one of that name; of a group's members the first. An empty one where there is none.
-    AccessibleNode node(std::string_view name, AccessibleRole role) {
+    AccessibleNode node(std::string_view name, std::optional<AccessibleRole> role = {}) {
         for (const AccessibleNode& node : nodes())
-            if (node.name == name && node.role == role) return node;
+            if (node.name == name && node.role == role.value_or(node.role)) return node;
         return {};
     }
     void click(Point at) {

@@ -1,22 +1,16 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "dashboard/CapacityColor.h"
 #include "dashboard/ExternalVolume.h"
 #include "dashboard/MenuRootView.h"
 #include "dashboard/ShownVolumeName.h"
 #include "dashboard/StorageDetailListView.h"
 #include "dashboard/StorageExpandedView.h"
-#include "dashboard/StorageVolumeRow.h"
-#include "insight/HealthySnapshot.h"
-#include "ShownPanel.h"
-#include "views/HostedView.h"
+#include "ShownElement.h"
 
 namespace norvane {
 namespace {
@@ -33,153 +27,63 @@ VolumeURL volume(const std::string& path, std::optional<bool> isInternal = false
     return {path, VolumeResourceValues{{}, totalGB * kGB, freeGB * kGB, isInternal, isRoot, isEjectable}};
 }
 
-// Names and values of what is told, in order; what is busy ends in dots.
-Told told(ShownPanel& panel) {
-    Told all;
-    for (const AccessibleNode& node : panel.nodes()) {
-        if (node.name.empty()) continue;
-        all.push_back(node.name + (node.value.empty() ? "" : ": " + node.value) +
-                      (node.role == Role::progress ? "…" : ""));
-    }
-    return all;
-}
-
 TEST(ExternalVolumes, AreThoseThatTheUserMayTakeAway) {
-    struct Case {
-        VolumeURL url;
-        bool isListed;
-    };
-    const Case cases[] = {{volume("/media/image", false), true},
-                          {volume("/media/card", true, true), true},
-                          {volume("/media/both", false, true), true},
-                          {volume("/media/unknown", {}, true), true},
-                          {volume("/mnt/disk", true, false), false},
-                          {volume("/mnt/network", {}, {}), false},
-                          {volume("/mnt/fixed", true, {}), false},
-                          {volume("/boot", false, true, true), false},
-                          {volume("/", false, true), false},
-                          {volume("/System/Volumes/Data", false, true), false},
-                          {VolumeURL("/media/gone", std::nullopt), false},
-                          {volume("/media/last", false, false, false), true}};
-    Volumes all;
-    Told wanted;
-    for (const Case& c : cases) {
-        EXPECT_EQ(isRemovable(c.url), c.isListed) << c.url.path();
-        all.push_back(c.url);
-        if (c.isListed) wanted.push_back(c.url.path());
-    }
+    const Volumes listed{volume("/media/image"),
+                         volume("/media/card", true, true),
+                         volume("/media/unknown", {}, true),
+                         volume("/media/fast", false, false, false),
+                         {"/x", VolumeResourceValues{"Named", {}, 5, false, {}, {}}}};
+    const Volumes others{volume("/mnt/disk", true, false),
+                         volume("/mnt/network", {}, {}),
+                         volume("/boot", false, true, true),
+                         volume("/", false, true),
+                         volume("/System/Volumes/Data", false, true),
+                         {"/media/gone", std::nullopt}};
+    Volumes all = listed;
+    all.insert(all.begin() + 2, others.begin(), others.end());
     ScriptedMachine machine;
-    const auto listed = externalVolumesIn(all, machine.uuidSource);
-    Told urls;
-    for (const ExternalVolume& external : listed)
-        urls.push_back(external.url);
-    EXPECT_EQ(urls, wanted) << "in the machine's order";
-    EXPECT_EQ(listed[0].name, "image") << "the path's last part where it has no name";
-    EXPECT_EQ(listed[0].usedGB(), 23);
-    EXPECT_FALSE(listed[0].id == externalVolumesIn(all, machine.uuidSource)[0].id) << "new at every scan";
-    const auto empty =
-        externalVolumesIn({{"/x", VolumeResourceValues{"Named", {}, 5, false, {}, {}}}}, machine.uuidSource);
-    EXPECT_EQ(empty[0].name, "Named");
-    EXPECT_EQ(empty[0].totalGB, 0);
-    EXPECT_EQ(empty[0].usedGB(), 0) << "more available than there is";
-}
-
-TEST(StorageFormats, TerabytesAreOtherOnesForDisksAndForVolumes) {
-    EXPECT_EQ(formatVolumeSize(1023.99), "1023.99 GB");
-    EXPECT_EQ(formatVolumeSize(1024), "1.00 TB");
-    EXPECT_EQ(formatUsedOverTotal(999, 999.99), "999.00 / 999.99 GB");
-    EXPECT_EQ(formatUsedOverTotal(250, 1000), "0.25 / 1.00 TB");
-}
-
-TEST(StorageColors, ABootVolumesLastGigabytesComeBeforeItsShare) {
-    struct Case {
-        bool isBoot;
-        double used, total, available;
-        Ink color;
-    };
-    for (const Case& c : {Case{true, 492, 500, 8, Ink::red},
-                          {true, 1'975, 2'000, 25, Ink::orange},
-                          {true, 950, 1'000, 50, Ink::red},
-                          {false, 0.9, 1.0, 0.1, Ink::orange},
-                          {false, 0.5, 0.6, 0.1, Ink::green}})
-        EXPECT_EQ(diskColor({.id = {},
-                             .name = {},
-                             .usedGB = c.used,
-                             .totalGB = c.total,
-                             .isBootVolume = c.isBoot,
-                             .availableForImportantUsage = c.available}),
-                  c.color)
-            << c.used << " of " << c.total;
-}
-
-TEST(ShownVolumeName, IsOneHarmlessLine) {
-    struct Case {
-        const char* name;
-        const char* shown;
-    };
-    for (const Case& c : {Case{"", ""},
-                          {"<b>A & B</b> %s \\n", "<b>A & B</b> %s \\n"},
-                          {"a\nb\tc\rd", "a b c d"},
-                          {"a\xC2\x85"
-                           "b\xE2\x80\xA8"
-                           "c\xE2\x80\xA9"
-                           "d",
-                           "a b c d"},
-                          {"a\x1B[31m\x7F\xC2\x9B", "a\uFFFD[31m\uFFFD\uFFFD"},
-                          {"\u202Egpj.exe\u2069\u200F\u061C", "gpj.exe"},
-                          {"a\xFF\xC3", "a\uFFFD\uFFFD"},
-                          {"a\u200B\u2060\uFEFF\u00ADb", "ab"},
-                          {"a\u0301\u0302\u0303\u0304\u0305\u0306b", "a\u0301\u0302\u0303\u0304b"},
-                          {"עברית ü 💾", "עברית ü 💾"}})
-        EXPECT_EQ(shownVolumeName(c.name), c.shown) << c.name;
-    EXPECT_EQ(shownVolumeName(ExternalVolume{.id = {}, .url = "/media/ada/ST\nICK", .name = " \u202E\u200B"}),
-              "ST ICK");
+    const auto found = externalVolumesIn(all, machine.uuidSource);
+    ASSERT_EQ(found.size(), listed.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_EQ(found[i].url, listed[i].path()) << "in the machine's order";
+    EXPECT_EQ(found[0].name, "image") << "the path's last part where it has no name";
+    EXPECT_EQ(found[0].usedGB(), 23);
+    EXPECT_EQ(found[4].name, "Named");
+    EXPECT_EQ(found[4].usedGB(), 0) << "more available than there is";
+    EXPECT_FALSE(found[0].id == externalVolumesIn(all, machine.uuidSource)[0].id) << "new at every scan";
 }
 
 TEST(StoragePanel, ShowsTheBootVolumeOrAllOrNone) {
-    SystemSnapshot now = healthySnapshot();
+    SystemSnapshot now{};
     now.usedDiskGB = 245.1;
     now.totalDiskGB = 494.4;
     now.diskReadMBps = 12.9;
-    now.diskWriteMBps = 0.9;
-    ScriptedMachine machine;
-    HostedView view(
-        [&] {
-            const auto snapshot = std::make_shared<const SystemSnapshot>(now);
-            return StorageExpandedView::of(snapshot, InsightVerbosity::detailed).body().frame({.width = 496});
-        },
-        machine.platform());
-    ShownPanel panel(machine, view);
-    const auto check = [&](std::vector<DiskSnapshot> volumes, Told rows, const std::string& sentence) {
-        view.change([&] { now.volumes = std::move(volumes); });
-        for (int tick = 0; tick < 3; ++tick) {
-            view.change([&] { now.timestamp += 1s; });
-            panel.settle();
-        }
-        Told all = told(panel);
-        std::erase_if(all, [](const std::string& text) { return text.ends_with(" Space"); });
-        rows.insert(rows.end(), {"Disk Read: 12 MB/s", "Disk Write: 0 MB/s", sentence});
-        if (all.size() > rows.size()) all.resize(rows.size());
-        EXPECT_EQ(all, rows);
-    };
-    panel.appear();
-    const std::string none = "Internal storage information is unavailable.";
-    const DiskSnapshot boot{
-        .id = {}, .name = "Sys\ntem", .isBootVolume = true, .availableForImportantUsage = 249};
+    ShownElement shown({496, 400}, [&] {
+        return StorageExpandedView::of(std::make_shared<const SystemSnapshot>(now), {}).body();
+    });
+    shown.appear();
+    const DiskSnapshot boot{.id = {}, .name = "Sys\ntem", .isBootVolume = true};
     const DiskSnapshot other{.id = {}, .name = "Other", .usedGB = 1, .totalGB = 2'000};
-    check({}, {"Macintosh HD: 245.10 / 494.40 GB"}, none);
-    check({other, boot, boot}, {"Sys tem: 245.10 / 494.40 GB"}, "Storage is healthy.");
-    check({other, other}, {"Other: 0.00 / 2.00 TB", "Other: 0.00 / 2.00 TB"}, none);
-    now.totalDiskGB = 1;
-    check({}, {"Macintosh HD: 245.10 / 1.00 GB"}, none);
+    for (const auto& [volumes, want] :
+         {std::pair{std::vector<DiskSnapshot>{}, Told{"Macintosh HD: 245.10 / 494.40 GB"}},
+          {{other, boot, boot}, {"Sys tem: 245.10 / 494.40 GB"}},
+          {{other, other}, {"Other: 0.00 / 2.00 TB", "Other: 0.00 / 2.00 TB"}}}) {
+        shown.change([&now, &volumes = volumes] { now.volumes = volumes; });
+        Told all = shown.told();
+        std::erase_if(all, [](const std::string& text) { return text.ends_with(" Space"); });
+        EXPECT_EQ(all.at(want.size()), "Disk Read: 12 MB/s");
+        all.resize(want.size());
+        EXPECT_EQ(all, want);
+    }
 }
 
 // The list of removable volumes on a machine in virtual time.
 class RemovableVolumesTest : public testing::Test {
  protected:
     void attach(Volumes volumes) { machine_.fileManager.removable.always(std::move(volumes)); }
-    void pass(std::chrono::nanoseconds time) {
-        machine_.advance(time);
+    void mount(Volumes volumes) {
+        attach(std::move(volumes));
+        machine_.workspace.tellMounted();
         panel_->settle();
     }
     void press(const std::string& name) { panel_->perform(panel_->node(name, Role::button), "press"); }
@@ -189,17 +93,12 @@ class RemovableVolumesTest : public testing::Test {
         if (!isVisible) return view_->disappear();
         panel_->appear();
     }
-    void close() {
-        panel_.reset();
-        view_.reset();
-    }
     // The volumes, each with "-" where it can be ejected and "…" where it is being ejected.
     std::string list() {
         std::string all;
         for (const AccessibleNode& node : panel_->nodes()) {
-            if (node.name == "Eject All") all += "All ";
             if (node.role == Role::meter) all += node.name;
-            if (node.role == Role::button && node.name != "Eject All") all += "- ";
+            if (node.role == Role::button) all += node.name == "Eject All" ? "All " : "- ";
             if (node.role == Role::progress) all += "… ";
         }
         return all;
@@ -222,40 +121,33 @@ class RemovableVolumesTest : public testing::Test {
 TEST_F(RemovableVolumesTest, FollowsWhatComesAndGoes) {
     machine_.fileManager.removable.always(std::nullopt);
     panel_->appear();
-    EXPECT_EQ(told(*panel_), Told{"No removable volumes"});
-    attach({volume("/m/A", false, {}, {}, 500, 2'048)});
-    machine_.workspace.tellMounted();
-    panel_->settle();
-    EXPECT_EQ(told(*panel_), (Told{"A: 500.00 GB available of 2.00 TB", "Eject A"})) << "at once, and no All";
-    attach({volume("/m/A"), volume("/m/B", false, {}, {}, 0, 0)});
-    machine_.workspace.tellMounted();
-    panel_->settle();
-    EXPECT_EQ(told(*panel_),
+    EXPECT_EQ(panel_->told(), Told{"No removable volumes"});
+    mount({volume("/m/A", false, {}, {}, 500, 2'048)});
+    EXPECT_EQ(panel_->told(), (Told{"A: 500.00 GB available of 2.00 TB", "Eject A"})) << "no All";
+    mount({volume("/m/A"), volume("/m/B", false, {}, {}, 0, 0)});
+    EXPECT_EQ(panel_->told(),
               (Told{"Eject All", "A: 41.00 GB available of 64.00 GB", "Eject A", "B", "Eject B"}))
         << "without a size only its name";
     attach({});
     machine_.workspace.tellUnmounted();
-    pass(499ms);
+    panel_->advance(499ms);
     EXPECT_EQ(list(), "All A- - ");
-    pass(1ms);
-    EXPECT_EQ(told(*panel_), Told{"No removable volumes"});
+    panel_->advance(1ms);
+    EXPECT_EQ(panel_->told(), Told{"No removable volumes"});
 }
 
 TEST_F(RemovableVolumesTest, NoNameIsWiderOrHigherThanItsRow) {
+    const Told names{"A", std::string(255, 'W'), "a b" + std::string(250, '\n') + "c"};
+    attach({volume("/m/" + names[0]), volume("/m/" + names[1]), volume("/m/" + names[2])});
     panel_->appear();
-    double height = 0;
-    for (const std::string& name :
-         {std::string("A"), std::string(255, 'W'), "a b" + std::string(250, '\n') + "c"}) {
-        attach({volume("/m/" + name)});
-        machine_.workspace.tellMounted();
-        panel_->settle();
-        const AccessibleNode told = panel_->node(shownVolumeName(name), Role::meter);
-        const AccessibleNode button = panel_->node("Eject " + shownVolumeName(name), Role::button);
-        if (height == 0) height = told.frame.size.height;
-        EXPECT_EQ(told.frame.size.height, height) << name;
-        EXPECT_GT(height, 20) << "name, sizes and bar";
-        EXPECT_LE(told.frame.maxX(), button.frame.minX()) << name;
-        EXPECT_LE(button.frame.maxX(), 472) << name;
+    const double height = panel_->node("A", Role::meter).frame.size.height;
+    EXPECT_GT(height, 20) << "name, sizes and bar";
+    for (const std::string& name : names) {
+        const Rect told = panel_->node(shownVolumeName(name), Role::meter).frame;
+        const Rect button = panel_->node("Eject " + shownVolumeName(name), Role::button).frame;
+        EXPECT_EQ(told.size.height, height) << name;
+        EXPECT_LE(told.maxX(), button.minX()) << name;
+        EXPECT_LE(button.maxX(), 472) << name;
     }
 }
 
@@ -269,12 +161,12 @@ TEST_F(RemovableVolumesTest, EjectsAllSideBySideAndKeepsWhatFails) {
     press("Eject All");
     EXPECT_EQ(list(), "All A… B… C… ");
     EXPECT_EQ(machine_.workspace.ejected, (Told{"/m/B", "/m/A", "/m/B", "/m/C"}));
-    pass(30s);
+    panel_->advance(30s);
     EXPECT_EQ(list(), "B- ") << "before the machine tells that they are gone";
     machine_.workspace.ejectionErrors.clear();
     press("Eject B");
-    pass(30s);
-    EXPECT_EQ(told(*panel_), Told{"No removable volumes"});
+    panel_->advance(30s);
+    EXPECT_EQ(panel_->told(), Told{"No removable volumes"});
 }
 
 TEST_F(RemovableVolumesTest, AnEjectionOutlastsAClosedPopoverAndARescan) {
@@ -283,19 +175,20 @@ TEST_F(RemovableVolumesTest, AnEjectionOutlastsAClosedPopoverAndARescan) {
     panel_->appear();
     press("Eject B");
     const std::string key = panel_->node("B", Role::meter).key;
-    pass(10s);
+    panel_->advance(10s);
+    EXPECT_EQ(view_->frameRate(), 30) << "the spinner goes round";
     setVisible(false);
     EXPECT_EQ(machine_.workspace.listeners(), 0U) << "nobody looks";
     attach({volume("/m/new"), volume("/m/A"), volume("/m/B")});
-    pass(10s);
+    panel_->advance(10s);
     setVisible(true);
     EXPECT_EQ(machine_.workspace.listeners(), 2U);
     EXPECT_EQ(list(), "All new- A- B… ");
     EXPECT_EQ(panel_->node("B", Role::meter).key, key) << "the same bar and spinner";
     machine_.workspace.tellMounted();
-    pass(9s);
+    panel_->advance(9s);
     EXPECT_EQ(list(), "All new- A- B… ");
-    pass(1s);
+    panel_->advance(1s);
     EXPECT_EQ(list(), "All new- A- ");
     setVisible(false);
     setVisible(true);
@@ -305,13 +198,12 @@ TEST_F(RemovableVolumesTest, AnEjectionOutlastsAClosedPopoverAndARescan) {
 // Scans may overtake each other, and so may an ejection: the later one is right.
 TEST_F(RemovableVolumesTest, WhatBeganEarlierNeverReplacesWhatIsLater) {
     panel_->appear();
-    const Volumes early{volume("/m/A"), volume("/m/B")};
     const Volumes late{volume("/m/A"), volume("/m/C")};
     machine_.fileManager.removable.from([&, isFirst = true]() mutable {
         if (!std::exchange(isFirst, false)) return std::optional(late);
         machine_.workspace.tellMounted();  // and its answer comes before this one
         machine_.settle();
-        return std::optional(early);
+        return std::optional(Volumes{volume("/m/A"), volume("/m/B")});
     });
     machine_.workspace.tellMounted();
     panel_->settle();
@@ -335,20 +227,22 @@ TEST_F(RemovableVolumesTest, WhatComesAfterItsEndIsNobodys) {
     machine_.workspace.tellUnmounted();
     machine_.dispatch.backgroundLoopQueue().hold();
     machine_.workspace.tellMounted();
-    close();
+    panel_.reset();
+    view_.reset();
     EXPECT_EQ(machine_.workspace.listeners(), 0U);
     machine_.dispatch.backgroundLoopQueue().letGo();
     machine_.advance(1min);
     EXPECT_EQ(machine_.fileManager.removable.asked(), 3U) << "those that had been asked for";
 }
 
-TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
+// What does not fit scrolls, and a list that is on its way out listens no longer.
+TEST(DashboardPanels, AreNeverHigherThanTheScreen) {
     ScriptedMachine machine;
-    machine.userDefaults.setObject("isSmartAutoExpandEnabled", false);
     Volumes many;
     for (int i = 0; i < 200; ++i)
         many.push_back(volume("/media/" + std::to_string(i)));
     machine.fileManager.removable.always(many);
+    machine.fileManager.volumes.always(Volumes{volume("/", true, {}, true)});
     const PreferencesStore preferences(machine.userDefaults);
     const auto sampler = PerformanceSampler::create(machine.platform(), preferences);
     const SmartPodManager smartPodManager;
@@ -359,47 +253,15 @@ TEST(DashboardPanels, AreThereOnlyWithWhatTheyShow) {
     sampler->start();
     sampler->setUIVisible(true);
     panel.appear();
-    const auto press = [&](const char* pod) {
-        machine.advance(1s);
-        panel.settle();
-        panel.perform(panel.node(pod, Role::button), "press");
-        machine.advance(1s);
-        panel.settle();
-    };
-    const auto shows = [&](const char* name) {
-        const Told all = told(panel);
-        return std::any_of(all.begin(), all.end(), [&](const auto& one) { return one.starts_with(name); });
-    };
-    press("Impact");
-    EXPECT_FALSE(shows("Battery")) << "no battery";
-    press("Disk");
-    EXPECT_TRUE(shows("Macintosh HD"));
-    EXPECT_FALSE(shows("Eject")) << "no list without volumes";
-
-    machine.fileManager.volumes.always(Volumes{volume("/", true, {}, true)});
-    machine.registry.services(RegistryService::AppleSmartBattery)
-        .always({{RegistryEntry({{"CurrentCapacity", 81}, {"MaxCapacity", 100}})}});
-    machine.advance(31s);
-    panel.settle();
-    EXPECT_TRUE(shows("Eject All"));
-    EXPECT_NE(panel.node("", Role::scrollArea).key, "") << "they scroll";
-    EXPECT_EQ(panel.size().height, 2'000) << "no higher than the screen";
+    panel.perform(panel.node("Disk", Role::button), "press");
+    panel.advance(1s);
+    EXPECT_NE(panel.node("Eject All").key, "");
+    EXPECT_NE(panel.node("", Role::scrollArea).key, "");
+    EXPECT_EQ(panel.size().height, 2'000);
     EXPECT_EQ(machine.workspace.listeners(), 2U);
     panel.perform(panel.node("Disk", Role::button), "press");
     sampler->setUIVisible(false);
-    EXPECT_EQ(machine.workspace.listeners(), 0U) << "a list that is on its way out listens no longer";
-    sampler->setUIVisible(true);
-
-    // As many disks as do not fit, and none that the machine was started from.
-    machine.fileManager.volumes.always(Volumes(many.begin(), many.begin() + 60));
-    machine.advance(31s);
-    panel.settle();
-    EXPECT_TRUE(shows("59: "));
-    EXPECT_LE(panel.node("Quit", Role::button).frame.maxY(), 2'000);
-    machine.fileManager.volumes.always(Volumes{volume("/", true, {}, true)});
-    press("Impact");
-    EXPECT_TRUE(shows("Battery Level: 81%"));
-    EXPECT_TRUE(shows("Battery Health: 100.0%"));
+    EXPECT_EQ(machine.workspace.listeners(), 0U);
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #include "MachineInput.h"
 
-#include <stdlib.h>
 #include <algorithm>
-#include <cstdio>
-#include <fstream>
-#include <system_error>
+#include <exception>
+#include <filesystem>
 
 namespace norvane {
 
@@ -16,48 +14,15 @@ constexpr std::string_view kHeading = "=== /";
 constexpr std::string_view kArrow = " -> ";
 constexpr std::string_view kGone = " gone";
 constexpr std::string_view kThen = "=== then\n";
-// Enough for several devices; more would only be slow.
-constexpr int kMostThings = 64;
 constexpr std::size_t kLongestPath = 256;
 
-// Names that are no way out of the folder.
-bool isPlain(std::string_view path) {
-    if (path.empty() || path.size() > kLongestPath || path.find('\0') != std::string_view::npos) return false;
-    const std::string whole = '/' + std::string(path) + '/';
-    return whole.find("//") == std::string::npos && whole.find("/./") == std::string::npos &&
-           whole.find("/../") == std::string::npos;
-}
-
-// Makes the folders that lead there, through no link.
-bool makeFolders(const fs::path& top, const fs::path& relative) {
-    fs::path folder = top;
-    for (const fs::path& name : relative) {
-        folder /= name;
-        std::error_code error;
-        const fs::file_status status = fs::symlink_status(folder, error);
-        if (fs::is_directory(status)) continue;
-        if (fs::exists(status) || !fs::create_directory(folder, error)) return false;
-    }
-    return true;
-}
-
 }  // namespace
-
-MachineInput::MachineInput(std::string_view text) : rest_(text), thingsLeft_(kMostThings) {
-    std::string name = (fs::temp_directory_path() / "norvane-fuzz-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-        std::perror(name.c_str());
-        std::exit(1);
-    }
-    folder_ = name;
-    goOn();
-}
 
 void MachineInput::goOn() {
     if (rest_.starts_with(kThen)) rest_.remove_prefix(kThen.size());
     while (rest_.starts_with(kHeading) && thingsLeft_-- > 0) {
-        const std::string_view heading = rest_.substr(0, rest_.find('\n')).substr(kHeading.size());
-        rest_.remove_prefix(std::min(kHeading.size() + heading.size() + 1, rest_.size()));
+        const std::string_view heading = rest_.substr(0, rest_.find('\n')).substr(kHeading.size() - 1);
+        rest_.remove_prefix(std::min(kHeading.size() + heading.size(), rest_.size()));
         std::size_t end = 0;  // of the file's text, at the next line that is a heading
         while (end < rest_.size() && !rest_.substr(end).starts_with(kHeading) &&
                !rest_.substr(end).starts_with(kThen)) {
@@ -68,28 +33,36 @@ void MachineInput::goOn() {
     }
 }
 
-MachineInput::~MachineInput() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
+// Where no name and no link leads out of the folder.
+bool MachineInput::canMake(std::string_view path) const {
+    if (path.size() > kLongestPath || path.find('\0') != std::string_view::npos) return false;
+    const std::string whole = std::string(path) + '/';
+    if (whole.find("//") != std::string::npos || whole.find("/./") != std::string::npos) return false;
+    if (whole.find("/../") != std::string::npos) return false;
+    fs::path folder = folder_.path();
+    for (const fs::path& name : fs::path(path).parent_path().relative_path()) {
+        folder /= name;
+        if (fs::is_symlink(fs::symlink_status(folder))) return false;
+    }
+    return true;
 }
 
 void MachineInput::make(std::string_view heading, std::string_view text) const {
     const bool isGone = heading.ends_with(kGone);
     if (isGone) heading.remove_suffix(kGone.size());
     const std::size_t arrow = heading.find(kArrow);
-    const std::string_view path = heading.substr(0, arrow);
-    if (!isPlain(path)) return;
-    const fs::path relative(path);
-    const fs::path full = folder_ / relative;
-    std::error_code error;
-    if (!makeFolders(folder_, relative.parent_path())) return;
-    const fs::file_status present = fs::symlink_status(full, error);
-    if (isGone) {
-        fs::remove(full, error);
-    } else if (arrow != std::string_view::npos) {
-        fs::create_symlink(fs::path(heading.substr(arrow + kArrow.size())), full, error);
-    } else if (!fs::exists(present) || fs::is_regular_file(present)) {
-        std::ofstream(full, std::ios::binary | std::ios::trunc) << text;
+    const std::string path(heading.substr(0, arrow));
+    try {
+        if (!canMake(path)) return;
+        if (isGone) {
+            folder_.remove(path);
+        } else if (arrow != std::string_view::npos) {
+            folder_.link(path, std::string(heading.substr(arrow + kArrow.size())));
+        } else if (!fs::is_symlink(fs::symlink_status(folder_.path() + path))) {
+            folder_.write(path, text);
+        }
+    } catch (const std::exception&) {
+        return;
     }
 }
 

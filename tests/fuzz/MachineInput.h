@@ -1,15 +1,13 @@
 #pragma once
 
-#include <filesystem>
-#include <string>
 #include <string_view>
 
-#include "platform/linux/RootFolder.h"
+#include "linux/TemporaryFolder.h"
 
 namespace norvane {
 
-// A small machine that a target's bytes describe, written to a folder of its own, for the life of this. The
-// text has a heading before each file, then the file's text; a link has a heading alone:
+// A small machine that a target's bytes describe, in a folder of its own. The text has a heading before each
+// file, then the file's text; a link has a heading alone:
 //
 //     === /sys/class/power_supply/BAT0/uevent
 //     POWER_SUPPLY_TYPE=Battery
@@ -24,22 +22,20 @@ namespace norvane {
 class MachineInput {
  public:
     // The text outlives this.
-    explicit MachineInput(std::string_view text);
-    ~MachineInput();
-    MachineInput(const MachineInput&) = delete;
-    MachineInput& operator=(const MachineInput&) = delete;
+    explicit MachineInput(std::string_view text) : rest_(text) { goOn(); }
 
-    RootFolder root() const { return RootFolder(folder_.string()); }
-
+    RootFolder root() const { return folder_.root(); }
     // Goes on to the next moment, if the text tells of another one.
     void goOn();
 
  private:
+    bool canMake(std::string_view path) const;
     void make(std::string_view heading, std::string_view text) const;
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     std::string_view rest_;
-    int thingsLeft_;
+    // Enough for several devices; more would only be slow.
+    int thingsLeft_ = 64;
 };
 
 }  // namespace norvane

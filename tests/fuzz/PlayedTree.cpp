@@ -12,12 +12,24 @@ constexpr unsigned kKeys = static_cast<unsigned>(KeyEvent::Key::end) + 1;
 // In points, somewhat less than there usually is.
 const FrameSize kFixed{.width = 180, .height = 110};
 
+// None for a change that is there at once.
+std::optional<Animation> madeAnimation(Choices& choices) {
+    const double seconds = choices.fraction();
+    const unsigned which = choices.below(9);
+    if (which < 2) return std::nullopt;
+    if (which == 2) return Animation::linear(seconds);
+    if (which == 3) return Animation::easeOut(seconds);
+    if (which == 4) return Animation::easeInOut(seconds);
+    if (which == 5) return Animation::easeInOut(seconds).foreverThereAndBack();
+    if (which == 6) return Animation::linear(seconds).forever();
+    return Animation::spring(seconds, choices.fraction());
+}
+
 }  // namespace
 
 PlayedTree::PlayedTree(Choices& choices, TextRuler* ruler)
     : choices_(choices),
-      maker_(choices),
-      plan_(maker_.tree()),
+      plan_(TreePlan::made(choices)),
       isFixed_(plan_.choices[1] % 2 == 0),
       view_([this] { return body(); }, machine_.platform(ruler != nullptr ? *ruler : machine_.textRuler)) {
     view_.setChangeHandler([this] { ++changes_; });
@@ -25,18 +37,16 @@ PlayedTree::PlayedTree(Choices& choices, TextRuler* ruler)
 }
 
 Element PlayedTree::body() {
-    Element tree = elementOf(plan_, [this](unsigned what) { happened(what); });
+    Element tree = plan_.element([this](unsigned what) { happened(what); });
     return isFixed_ ? std::move(tree).frame(kFixed) : std::move(tree);
 }
 
 void PlayedTree::step() {
     const unsigned what = choices_.below(16);
     if (what < 4) {
-        if (const auto animation = maker_.animation()) {
-            view_.animate(*animation, [this] { maker_.change(plan_); });
-        } else {
-            view_.change([this] { maker_.change(plan_); });
-        }
+        const auto animation = madeAnimation(choices_);
+        const auto change = [this] { plan_.change(choices_); };
+        animation ? view_.animate(*animation, change) : view_.change(change);
     } else if (what < 6) {
         point();
     } else if (what == 6) {
@@ -70,11 +80,7 @@ void PlayedTree::happened(unsigned what) {
         plan.numbers[what % plan.numbers.size()] = (what % 7) / 7.0;
         plan.choices[what % plan.choices.size()] += 1;
     };
-    if (what % 2 == 0) {
-        view_.animate(Animation::easeOut(0.2), changes);
-    } else {
-        view_.change(changes);
-    }
+    what % 2 == 0 ? view_.animate(Animation::easeOut(0.2), changes) : view_.change(changes);
 }
 
 void PlayedTree::point() {
@@ -96,11 +102,7 @@ void PlayedTree::type() {
 
 void PlayedTree::closeOrOpen() {
     isShown_ = !isShown_;
-    if (isShown_) {
-        view_.appear();
-    } else {
-        view_.disappear();
-    }
+    isShown_ ? view_.appear() : view_.disappear();
 }
 
 // Those who do not see it do something with it.

@@ -2,7 +2,6 @@
 
 #include "drawing/DisplayList.h"
 #include "platform/scripted/ScriptedMachine.h"
-#include "TreeMaker.h"
 #include "TreePlan.h"
 #include "views/HostedView.h"
 
@@ -35,7 +34,6 @@ class PlayedTree {
     void performAny(const AccessibleNode& node);
 
     Choices& choices_;
-    TreeMaker maker_;
     ScriptedMachine machine_;
     TreePlan plan_;
     // Windows keep their size while what is in them changes; others follow it.

@@ -1,5 +1,3 @@
-#include "PictureNames.h"
-
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -11,107 +9,101 @@ namespace {
 
 using Names = std::set<std::string>;
 
-// Drawn, and not asked for by any source: what the desktop shows.
-const Names kKept = {
-    "NorvaneIcon",  // the program's own, in menus and settings
-};
+// Drawn, and not asked for by any source: the program's own, which the desktop shows.
+constexpr const char* kKept = "NorvaneIcon";
 
 Names drawn(const std::string& folder) {
     Names names;
-    for (const std::string& file : filesBelow("resources/" + folder)) {
-        names.insert(std::filesystem::path(file).stem().string());
-    }
+    for (const std::filesystem::path file : filesBelow("resources/" + folder))
+        names.insert(file.stem().string());
     return names;
 }
 
-// The sources that choose pictures. The Linux side paints what it is told to.
-std::vector<std::string> choosingSources() {
-    std::vector<std::string> sources;
-    for (const std::string& file : filesBelow("src")) {
-        const bool isSource = file.ends_with(".h") || file.ends_with(".cpp");
-        if (isSource && !file.starts_with("src/platform/linux/")) sources.push_back(file);
-    }
-    return sources;
+std::string withoutComments(const std::string& source) {
+    static const std::regex literalOrComment(R"re(("(?:[^"\\\n]|\\.)*")|//[^\n]*|/\*[^*]*\*/)re");
+    return std::regex_replace(source, literalOrComment, "$1 ");
 }
 
-// The second literals in the innermost braces of a table of machines: their symbols.
-Names machineSymbolsIn(const std::string& table) {
-    static const std::regex row(R"re(\{"[^"]*", "([^"]*)"\})re");
+Names literalsIn(const std::string& code) {
+    return foundIn(code, R"re('"'|"((?:[^"\\\n]|\\.)*)")re");
+}
+
+// The names of pictures where they are written down: what stands for a picture is told by its last word,
+// "symbol", "image" or "icon", or one of these and "Name", "Named" or "Of". Taken are the literals in the
+// first argument of a call or an initialiser, in what is given to a variable or a member as in `.iconName =
+// isOpen ? "eye" : "pin"`, and in what a function returns that is formatted like ours. A name that reaches
+// its picture by another way is not seen.
+Names pictureNamesIn(const std::string& code, const std::string& word) {
+    // "symbol" alone, or at the end of a longer word as in "DrawSymbol".
+    const std::string capital = static_cast<char>(word[0] - 'a' + 'A') + word.substr(1);
+    if (code.find(word) == std::string::npos && code.find(capital) == std::string::npos) return {};
+    const std::string name = "(?:\\b" + word + "|\\w" + capital + ")(?:Named|Name|Of)?_?\\s*";
+    Names places = foundIn(code, name + "(?:=(?!=)|[({])([^,;{}]*)");
+    const std::regex function("\n( *)[^\n]*" + name + R"re(\([^\n]*\{)re");
+    for (std::sregex_iterator found(code.begin(), code.end(), function), end; found != end; ++found) {
+        const std::string rest = found->suffix();
+        const std::string line = rest.substr(0, rest.find('\n'));
+        const bool isOneLine = line.find('}') != std::string::npos;
+        places.merge(foundIn(isOneLine ? line : rest.substr(0, rest.find('\n' + (*found)[1].str() + '}')),
+                             R"re(\breturn\b([^,;]*))re"));
+    }
     Names names;
-    for (std::sregex_iterator found(table.begin(), table.end(), row), end; found != end; ++found) {
-        names.insert((*found)[1]);
-    }
+    for (const std::string& place : places)
+        names.merge(literalsIn(place));
     return names;
 }
 
-TEST(PictureNames, AllHaveTheirPictures) {
+// An icon is a symbol or an image. The Linux side paints what it is told to.
+TEST(Pictures, AreDrawnIfAskedForAndAskedForIfDrawn) {
     const Names symbols = drawn("symbols");
     const Names images = drawn("images");
-    ASSERT_TRUE(symbols.contains("pin") && images.contains("NorvaneLogo"));
-    const auto expect = [&](const Names& names, const std::string& file, bool maySymbol, bool mayImage) {
-        for (const std::string& name : names) {
-            EXPECT_TRUE((maySymbol && symbols.contains(name)) || (mayImage && images.contains(name)))
-                << file << " asks for \"" << name << "\", which is not drawn";
+    Names all = symbols;
+    all.insert(images.begin(), images.end());
+    Names seen, literals;
+    for (const std::string& file : sourcesBelow("src")) {
+        if (file.starts_with("src/platform/linux/")) continue;
+        const std::string code = withoutComments(contentsOf(file));
+        literals.merge(literalsIn(code));
+        for (const auto& [word, pictures] :
+             {std::pair("symbol", &symbols), {"image", &images}, {"icon", &all}}) {
+            for (const std::string& name : pictureNamesIn(code, word)) {
+                EXPECT_TRUE(pictures->contains(name)) << file << ": \"" << name << "\" is not drawn";
+                seen.insert(name);
+            }
         }
-    };
-    Names seen;
-    for (const std::string& file : choosingSources()) {
-        const PictureNames names = pictureNamesIn(contentsOf(file));
-        expect(names.symbols, file, true, false);
-        expect(names.images, file, false, true);
-        expect(names.icons, file, true, true);
-        seen.insert(names.icons.begin(), names.icons.end());
     }
     EXPECT_TRUE(seen.contains("bolt.circle") && seen.contains("bolt.circle.fill")) << "names go unseen";
-
-    const std::string machines = "src/telemetry/DeviceModel.cpp";
-    const Names machineSymbols = machineSymbolsIn(contentsOf(machines));
-    EXPECT_TRUE(machineSymbols.contains("laptopcomputer")) << "the table of machines was not understood";
-    expect(machineSymbols, machines, true, false);
+    // The table of machines has their symbols second in the innermost braces.
+    const Names ofMachines =
+        foundIn(contentsOf("src/telemetry/DeviceModel.cpp"), R"re(\{"[^"]*", "([^"]*)"\})re");
+    EXPECT_TRUE(ofMachines.contains("laptopcomputer")) << "the table of machines was not understood";
+    for (const std::string& name : ofMachines)
+        EXPECT_TRUE(symbols.contains(name)) << "the machines' \"" << name << "\" is not drawn";
+    EXPECT_TRUE(all.contains(kKept));
+    for (const std::string& name : all)
+        EXPECT_TRUE(literals.contains(name) || name == kKept) << "nobody uses " << name << ".svg";
 }
 
-TEST(Pictures, AreAllUsedOrKeptOnPurpose) {
-    Names literals;
-    for (const std::string& file : choosingSources())
-        literals.merge(literalsIn(contentsOf(file)));
-    Names all = drawn("symbols");
-    all.merge(drawn("images"));
-    for (const std::string& name : all) {
-        EXPECT_TRUE(literals.contains(name) || kKept.contains(name)) << "nobody uses " << name << ".svg";
-    }
-    for (const std::string& name : kKept)
-        EXPECT_TRUE(all.contains(name)) << name << " is kept and not drawn";
-}
-
-TEST(PictureNamesCheck, SeesWhereANameIsWritten) {
-    struct Case {
+TEST(Pictures, AreSeenWhereANameIsWritten) {
+    const struct {
+        const char* word;
         const char* source;
-        Names symbols;
-        Names images;
-        Names icons;
+        Names want;
+    } cases[] = {
+        {"symbol", R"(a(symbol("pin", 3, "label")))", {"pin"}},
+        {"symbol", "symbol( // \"old\"\n isOpen ? \"eye\" : f(\"pin\"), \"label\")", {"eye", "pin"}},
+        {"symbol", R"(const auto symbolName = "pin"; f("x");)", {"pin"}},
+        {"image", R"(DrawImage{"Logo"}; logoImage("x"))", {"Logo", "x"}},
+        {"icon", R"(Row{.title = "t", .iconName = "pin", .text = "x"})", {"pin"}},
+        {"icon",
+         "\nView podIcon(int a) const {\n    if (a == '\"') f(\"x\");\n    return a > 0 ? \"eye\" : "
+         "\"pin\";\n}\n"
+         "f(\"y\");",
+         {"eye", "pin"}},
+        {"icon", R"(icon == "x"; /* icon("x") */ iconic("x"); symbols("x"); silicon("x"))", {}},
     };
-    for (const Case& c : {
-             Case{R"(a(symbol("pin", 3, "label")))", {"pin"}, {}, {}},
-             Case{"symbol( // \"old\"\n isOpen ? \"eye\" : f(\"pin\"), \"label\")", {"eye", "pin"}, {}, {}},
-             Case{R"(const auto symbolName = "pin"; f("x");)", {"pin"}, {}, {}},
-             Case{R"(DrawImage{"Logo"}; logoImage("x"))", {}, {"Logo", "x"}, {}},
-             Case{R"(Row{.title = "t", .iconName = "pin", .text = "x"})", {}, {}, {"pin"}},
-             Case{R"(row.icon_ = isOpen ? "eye" : "pin";)", {}, {}, {"eye", "pin"}},
-             Case{"\nView podIcon(int a) const {\n    if (a == '\"') f(\"x\");\n"
-                  "    return a > 0 ? \"eye\" : \"pin\";\n}\nf(\"y\");",
-                  {},
-                  {},
-                  {"eye", "pin"}},
-             Case{R"(icon == "x"; /* icon("x") */ iconic("x"); symbols("x"); silicon("x"))", {}, {}, {}},
-         }) {
-        const PictureNames names = pictureNamesIn(c.source);
-        EXPECT_EQ(names.symbols, c.symbols) << c.source;
-        EXPECT_EQ(names.images, c.images) << c.source;
-        EXPECT_EQ(names.icons, c.icons) << c.source;
-    }
-    EXPECT_EQ(literalsIn(R"(f("a\"b", 'c', "d") // "e")"), (Names{"a\\\"b", "d"}));
-    EXPECT_EQ(machineSymbolsIn(R"(Row{"A", {"An A", "a.fill"}}; Model k{"B", "b"};)"),
-              (Names{"a.fill", "b"}));
+    for (const auto& c : cases)
+        EXPECT_EQ(pictureNamesIn(withoutComments(c.source), c.word), c.want) << c.source;
 }
 
 }  // namespace

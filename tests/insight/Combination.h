@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,11 @@ class Combination {
         return state_.back();
     }
     bool flag() { return letter("01") == '1'; }
+    // The value that stands where the letter does.
+    template <typename Value>
+    Value of(std::string_view letters, std::initializer_list<Value> values) {
+        return values.begin()[letters.find(letter(letters))];
+    }
 
     const std::string& state() const { return state_; }
     // Once all is chosen: whether the number was beyond the last combination.

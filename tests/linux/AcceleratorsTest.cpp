@@ -24,18 +24,16 @@ class AcceleratorsTest : public testing::Test {
     TemporaryFolder machine;
     FakeSystemCalls system;
     std::shared_ptr<CountingFileObserver> observer = std::make_shared<CountingFileObserver>();
-    int nvidiaLoads = 0;
-    std::string nvidiaSlot;
+    std::string nvidiaSlots;
     std::optional<Accelerators> accelerators;
 
     AcceleratorsTest() {
         system.calls.userId = ::getuid();
         // A driver that tells 80 %.
         system.calls.loadNvidiaFunctions = [this]() -> std::optional<NvidiaFunctions> {
-            ++nvidiaLoads;
             return NvidiaFunctions{[] { return 0; }, [] { return 0; },
                                    [this](const char* slot, NvidiaFunctions::Device* device) {
-                                       nvidiaSlot = slot;
+                                       nvidiaSlots += slot;
                                        *device = this;
                                        return 0;
                                    },
@@ -48,15 +46,15 @@ class AcceleratorsTest : public testing::Test {
     }
 
     static std::string folderOf(const std::string& device) { return "/sys/devices/bus/" + device + "/"; }
-
     // As the kernel lays it out: the class folder holds links into the device's folder.
     void addCard(int number, const std::string& device, const std::string& driver) {
         for (const std::string& node :
              {"card" + std::to_string(number), "renderD" + std::to_string(128 + number)}) {
             const std::string folder = folderOf(device) + "drm/" + node;
+            machine.remove("/sys/class/drm/" + node);
+            machine.remove(folder + "/device");
             machine.link("/sys/class/drm/" + node, "../../.." + folder);
             machine.link(folder + "/device", "../../../" + device);
-            machine.write(folder + "/dev", "226:0\n");
         }
         machine.remove(folderOf(device) + "driver");
         machine.link(folderOf(device) + "driver", "../../../bus/pci/drivers/" + driver);
@@ -68,12 +66,16 @@ class AcceleratorsTest : public testing::Test {
     void setBusy(const std::string& device, std::string_view text) {
         machine.write(folderOf(device) + "gpu_busy_percent", text);
     }
-    // A process with one client, whose engine has been busy for so long.
-    void setClient(int process, const std::string& node, const std::string& lines) {
-        const std::string folder = "/proc/" + std::to_string(process);
-        machine.remove(folder);
-        machine.link(folder + "/fd/4", "/dev/dri/" + node);
-        machine.write(folder + "/fdinfo/4", "drm-client-id: " + std::to_string(process) + "\n" + lines);
+    // A descriptor, as in "100/4", of a client whose engine has been busy for so long.
+    void setClient(const std::string& descriptor, const std::string& node, const std::string& id,
+                   int milliseconds, const std::string& more = "") {
+        const auto slash = descriptor.find('/');
+        const std::string process = "/proc/" + descriptor.substr(0, slash);
+        const std::string number = descriptor.substr(slash);
+        machine.remove(process + "/fd" + number);
+        machine.link(process + "/fd" + number, node);
+        machine.write(process + "/fdinfo" + number, "drm-client-id: " + id + "\ndrm-engine-render: " +
+                                                        std::to_string(milliseconds) + "000000 ns\n" + more);
     }
     // The percentages of all, "none" for one that tells nothing.
     std::string numbers() {
@@ -86,54 +88,51 @@ class AcceleratorsTest : public testing::Test {
         system.advance(2s);
         return numbers();
     }
+    bool hasTouched(const std::string& part) const {
+        const auto has = [&](const std::string& path) { return path.find(part) != std::string::npos; };
+        return std::any_of(observer->opened.begin(), observer->opened.end(), has) ||
+               std::any_of(observer->read.begin(), observer->read.end(), has);
+    }
 };
 
-TEST_F(AcceleratorsTest, ASleepingDeviceIsLeftAloneBesideABusyOne) {
+TEST_F(AcceleratorsTest, SleepingDevicesAreLeftAloneBesideABusyOne) {
     addCard(0, kIntegrated, "i915");
     addCard(1, kDiscrete, "amdgpu");
+    addCard(2, "0000:02:00.0", "nvidia");
     setStatus(kDiscrete, "suspended\n");
+    setStatus("0000:02:00.0", "suspended\n");
     setBusy(kDiscrete, "90\n");
-    setClient(100, "renderD128", "drm-engine-render: 0 ns\n");
-    setClient(200, "renderD129", "drm-engine-gfx: 0 ns\n");
-    EXPECT_EQ(numbers(), "none none");
-    setClient(100, "renderD128", "drm-engine-render: 500000000 ns\n");
-    EXPECT_EQ(numbersLater(), "25 none");
-    for (const std::vector<std::string>* paths : {&observer->opened, &observer->read}) {
-        for (const std::string& path : *paths) {
-            EXPECT_FALSE(path.starts_with("/proc/200/fdinfo")) << path;
-            EXPECT_TRUE(path.find("card1") == std::string::npos ||
-                        path == "/sys/class/drm/card1/device/power/runtime_status")
-                << path;
-        }
-    }
+    setClient("100/4", "/dev/dri/renderD128", "1", 0);
+    setClient("200/4", "/dev/dri/renderD129", "2", 0);
+    EXPECT_EQ(numbers(), "none none none");
+    setClient("100/4", "/dev/dri/renderD128", "1", 500);
+    EXPECT_EQ(numbersLater(), "25 none none");
+    EXPECT_FALSE(hasTouched("/proc/200/fdinfo"));
+    std::erase(observer->opened, "/sys/class/drm/card1/device/power/runtime_status");
+    std::erase(observer->read, "/sys/class/drm/card1/device/power/runtime_status");
+    EXPECT_FALSE(hasTouched("card1"));
+    EXPECT_EQ(nvidiaSlots, "");
     setStatus(kDiscrete, "active\n");
-    EXPECT_EQ(numbersLater(), "0 90");
+    setStatus("0000:02:00.0", "active\n");
+    setStatus(kIntegrated, "suspended\n");
+    EXPECT_EQ(numbersLater(), "none 90 80");
+    EXPECT_EQ(nvidiaSlots, "0000:02:00.0");
+    setStatus(kIntegrated, "active\n");
+    EXPECT_EQ(numbersLater(), "none 90 80") << "what slept begins anew";
 }
 
 TEST_F(AcceleratorsTest, ADriverThatSaysANumberIsAskedWhereTheDeviceIsAwake) {
     addCard(0, kDiscrete, "amdgpu");
-    addCard(1, kDiscrete, "amdgpu");  // a second node of the same device
+    addCard(1, kDiscrete, "amdgpu");  // another card of the same device
     machine.link("/sys/class/drm/card0-DP-1", "../../devices/bus/0000:01:00.0/drm/card0/card0-DP-1");
-    machine.link(folderOf(kDiscrete) + "drm/card0/card0-DP-1/device", "../../card0");
-    machine.write("/sys/class/drm/version", "drm 1.1.0 20060810\n");
-    for (const auto& [text, want] : Rows{{"0\n", "0"},
-                                         {"100\n", "100"},
-                                         {"101\n", "none"},
-                                         {"-1\n", "none"},
-                                         {"", "none"},
-                                         {"5 6\n", "none"},
-                                         {"18446744073709551616\n", "none"},
-                                         {"50\n", "50"}}) {
+    for (const auto& [text, want] :
+         Rows{{"0", "0"}, {"100\n", "100"}, {"101", "none"}, {"-1", "none"}, {"5 6", "none"}, {"50", "50"}}) {
         setBusy(kDiscrete, text);
         EXPECT_EQ(numbers(), want) << text;
     }
     machine.remove("/sys/class/drm/card1");
-    for (const auto& [status, want] : Rows{{"active\n", "50"},
-                                           {"unsupported\n", "50"},
-                                           {"suspended\n", "none"},
-                                           {"suspending\n", "none"},
-                                           {"resuming\n", "none"},
-                                           {"", "none"}}) {
+    for (const auto& [status, want] :
+         Rows{{"active\n", "50"}, {"unsupported\n", "50"}, {"resuming\n", "none"}, {"", "none"}}) {
         setStatus(kDiscrete, status);
         EXPECT_EQ(numbers(), want) << status;
     }
@@ -142,50 +141,67 @@ TEST_F(AcceleratorsTest, ADriverThatSaysANumberIsAskedWhereTheDeviceIsAwake) {
     EXPECT_EQ(numbers(), "none") << "it does not say";
     machine.remove(folderOf(kDiscrete) + "power");
     EXPECT_EQ(numbers(), "50") << "it never sleeps";
-    machine.remove(folderOf(kDiscrete) + "gpu_busy_percent");
-    EXPECT_EQ(numbers(), "none");
-    machine.makeFolder(folderOf(kDiscrete) + "gpu_busy_percent");
-    EXPECT_EQ(numbers(), "none") << "there, but cannot be read now";
 }
 
-TEST_F(AcceleratorsTest, DriversThatTellOfTheirClients) {
-    for (const char* driver : {"i915", "panfrost", "panthor", "msm_dpu", "v3d", "etnaviv", "lima", "asahi"}) {
-        machine.remove("/sys");
-        addCard(0, "fd4a0000.gpu", driver);
-        setClient(100, "renderD128", "drm-engine-x: 0 ns\ndrm-engine-y: 0 ns\ndrm-engine-capacity-y: 2\n");
-        setClient(200, "card0", "drm-engine-x: 0 ns\n");
-        accelerators.emplace(machine.root(), system.calls);
-        EXPECT_EQ(numbers(), "none") << driver;
-        setClient(100, "renderD128",
-                  "drm-engine-x: 500000000 ns\ndrm-engine-y: 2000000000 ns\ndrm-engine-capacity-y: 2\n");
-        setClient(200, "card0", "drm-engine-x: 611000000 ns\n");
-        EXPECT_EQ(numbersLater(), "56") << driver << ": 55.55, rounded";
-    }
-    machine.remove("/sys");
-    addCard(0, kIntegrated, "xe");
-    setClient(100, "renderD128", "drm-cycles-rcs: 100\ndrm-total-cycles-rcs: 1000\n");
+TEST_F(AcceleratorsTest, ClientsAreThoseOfOurOwnProcessesEachCountedOnce) {
+    constexpr const char* kNode = "/dev/dri/card0";
+    addCard(0, kIntegrated, "panfrost");
+    const auto setAll = [&](int milliseconds) {
+        setClient("100/4", "/dev/dri/renderD128", "1", milliseconds);
+        setClient("100/5", kNode, "1", milliseconds);
+        setClient("200/4", kNode, "1", milliseconds);  // inherited
+        setClient("200/5", kNode, "2", milliseconds / 5, "drm-pdev: 0000:00:02.0\n");
+        setClient("200/6", kNode, "3", milliseconds, "drm-pdev: 0000:01:00.0\n");  // another one by now
+        setClient("200/7", "/home/ada/dev/dri/card0", "4", milliseconds);
+        setClient("self/4", kNode, "5", milliseconds);
+    };
+    setAll(0);
+    // What is broken or went in between.
+    machine.link("/proc/200/fd/1", kNode);
+    machine.link("/proc/200/fd/2", kNode);
+    machine.makeFolder("/proc/200/fdinfo/2");
+    machine.link("/proc/200/fd/3", kNode);
+    machine.write("/proc/200/fdinfo/3", std::string("\0\xff\n:\n", 5));
+    machine.makeFolder("/proc/300");
+    EXPECT_EQ(numbers(), "none");
+    setAll(1000);
+    EXPECT_EQ(numbersLater(), "60");
+    EXPECT_FALSE(hasTouched("/proc/200/fdinfo/7") || hasTouched("/proc/self"));
+
+    ++system.calls.userId;
+    accelerators.emplace(machine.root(observer), system.calls);
+    observer->forget();
     numbers();
-    setClient(100, "renderD128", "drm-cycles-rcs: 400\ndrm-total-cycles-rcs: 2000\n");
-    EXPECT_EQ(numbersLater(), "30") << "cycles";
-    setStatus(kIntegrated, "suspended\n");
-    numbersLater();
-    setStatus(kIntegrated, "active\n");
-    EXPECT_EQ(numbersLater(), "none") << "what slept begins anew";
+    EXPECT_FALSE(hasTouched("/proc/")) << "processes of somebody else";
+}
+
+TEST_F(AcceleratorsTest, ClientsAreLookedForAmongAllProcessesEveryThirtySeconds) {
+    addCard(0, kIntegrated, "xe");
+    addCard(1, kDiscrete, "xe");
+    setStatus(kDiscrete, "suspended\n");
+    setClient("100/4", "/dev/dri/card0", "1", 0);
+    setClient("101/4", "/dev/null", "2", 0);
+    setClient("102/4", "/dev/dri/card1", "3", 0);
+    numbers();
+    machine.remove("/proc/100/fd/4");
+    setClient("100/5", "/dev/dri/card0", "1", 1000);
+    setClient("101/4", "/dev/dri/card0", "2", 0);
+    setStatus(kDiscrete, "active\n");
+    observer->forget();
+    EXPECT_EQ(numbersLater(), "50 none") << "the same process goes on with another descriptor";
+    setClient("102/4", "/dev/dri/card1", "3", 500);
+    EXPECT_EQ(numbersLater(), "0 25") << "the process was known while its device slept";
+    EXPECT_FALSE(hasTouched("/proc/101"));
+    system.advance(26s);
+    numbers();
+    EXPECT_TRUE(hasTouched("/proc/101"));
 }
 
 TEST_F(AcceleratorsTest, WithoutClientsTheTimeThatWasNotSleptCounts) {
     addCard(0, kIntegrated, "i915");
-    const std::string counter = folderOf(kIntegrated) + "drm/card0/gt/gt0/rc6_residency_ms";
-    EXPECT_EQ(numbers(), "none") << "no counter either";
-    for (const auto& [text, want] : Rows{{"1000\n", "none"},
-                                         {"2500\n", "25"},
-                                         {"9000\n", "0"},
-                                         {"10\n", "none"},
-                                         {"10\n", "100"},
-                                         {"0\n", "none"},
-                                         {"0\n", "none"},
-                                         {"garbage\n", "none"}}) {
-        machine.write(counter, text);
+    for (const auto& [text, want] : Rows{
+             {"1000", "none"}, {"2500", "25"}, {"9000", "0"}, {"10", "none"}, {"10", "100"}, {"?", "none"}}) {
+        machine.write(folderOf(kIntegrated) + "drm/card0/gt/gt0/rc6_residency_ms", text);
         EXPECT_EQ(numbersLater(), want) << text;
     }
     machine.remove(folderOf(kIntegrated) + "drm/card0/gt");
@@ -194,63 +210,34 @@ TEST_F(AcceleratorsTest, WithoutClientsTheTimeThatWasNotSleptCounts) {
     EXPECT_EQ(numbersLater(), "none");
     machine.write(older, "1000\n");
     EXPECT_EQ(numbersLater(), "50");
-
-    setClient(100, "renderD128", "drm-engine-render: 0 ns\n");
-    system.advance(30s);
-    EXPECT_EQ(numbers(), "none") << "clients are there now, seen for the first time";
-}
-
-TEST_F(AcceleratorsTest, OfSeveralPartsTheOneThatSleptLeastCounts) {
     addCard(0, kIntegrated, "xe");
-    const auto setIdle = [this](const char* first, const char* second, const char* third) {
-        const std::string folder = folderOf(kIntegrated);
-        machine.write(folder + "tile0/gt0/gtidle/idle_residency_ms", first);
-        machine.write(folder + "tile0/gt1/gtidle/idle_residency_ms", second);
-        machine.write(folder + "tile1/gt2/gtidle/idle_residency_ms", third);
+    machine.link("/proc/100/fd/4", "/dev/dri/card0");
+    machine.write("/proc/100/fdinfo/4", "drm-client-id: 1\n");  // a kernel that says nothing of engines
+    const auto setIdle = [&](const char* first, const char* second) {
+        machine.write(folderOf(kIntegrated) + "tile0/gt0/gtidle/idle_residency_ms", first);
+        machine.write(folderOf(kIntegrated) + "tile1/gt1/gtidle/idle_residency_ms", second);
+        return numbersLater();
     };
-    setClient(100, "renderD128", "drm-driver: xe\n");  // an early kernel, which says nothing of engines
-    setIdle("100\n", "100\n", "100\n");
-    machine.makeFolder(folderOf(kIntegrated) + "tile1/gt3");
-    EXPECT_EQ(numbers(), "none");
-    setIdle("2100\n", "1100\n", "1500\n");
-    EXPECT_EQ(numbersLater(), "50");
-}
-
-TEST_F(AcceleratorsTest, NvidiaIsAskedThroughItsLibraryOnlyWhereThereIsSuchACard) {
-    addCard(0, kIntegrated, "amdgpu");
-    setBusy(kIntegrated, "10\n");
-    addCard(1, kDiscrete, "nvidia");
-    setStatus(kDiscrete, "suspended\n");
-    EXPECT_EQ(numbers(), "10 none");
-    EXPECT_EQ(nvidiaLoads, 0);
-    setStatus(kDiscrete, "active\n");
-    EXPECT_EQ(numbers(), "10 80");
-    EXPECT_EQ(nvidiaSlot, kDiscrete);
+    EXPECT_EQ(setIdle("100", "100"), "none");
+    EXPECT_EQ(setIdle("2100", "1100"), "50") << "the part that slept least";
+    setClient("100/4", "/dev/dri/renderD128", "1", 0);
+    system.advance(30s);
+    EXPECT_EQ(setIdle("2100", "1100"), "none") << "clients are there now, seen for the first time";
 }
 
 TEST_F(AcceleratorsTest, AMachineWithNothingToTellIsAskedOnceAMinute) {
     const Accelerators::Answer none = accelerators->read();
-    EXPECT_TRUE(none.services.empty());
-    EXPECT_FALSE(none.hasSources);
-    EXPECT_TRUE(Accelerators::isDue({}, system.calls.now()));
     EXPECT_FALSE(Accelerators::isDue(none, *none.readAt + 59s));
     EXPECT_TRUE(Accelerators::isDue(none, *none.readAt + 60s));
-
-    for (const char* driver : {"virtio_gpu", "nouveau", "simple-framebuffer", ""}) {
-        machine.remove("/sys");
-        addCard(0, kIntegrated, driver);
-        setBusy(kIntegrated, "50\n");
-        setClient(100, "renderD128", "drm-engine-render: 0 ns\n");
-        EXPECT_FALSE(accelerators->read().hasSources) << driver;
-        EXPECT_EQ(numbersLater(), "none") << driver;
-    }
-    EXPECT_EQ(std::count(observer->opened.begin(), observer->opened.end(), "/proc"), 0) << "for nothing";
-
+    setClient("100/4", "/dev/dri/renderD128", "1", 0);
+    addCard(0, kIntegrated, "virtio_gpu");
+    setBusy(kIntegrated, "50\n");
+    EXPECT_EQ(numbers(), "none");
+    EXPECT_FALSE(accelerators->read().hasSources);
+    EXPECT_FALSE(hasTouched("/proc")) << "for nothing";
     addCard(1, kDiscrete, "amdgpu");
     setStatus(kDiscrete, "suspended\n");
-    const Accelerators::Answer some = accelerators->read();
-    EXPECT_TRUE(some.hasSources) << "it may wake up";
-    EXPECT_TRUE(Accelerators::isDue(some, *some.readAt + 1s));
+    EXPECT_TRUE(accelerators->read().hasSources) << "it may wake up";
 }
 
 }  // namespace

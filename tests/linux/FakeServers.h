@@ -3,17 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <map>
-#include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "FakeSystemCalls.h"
 #include "platform/linux/LaneWaiter.h"

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <filesystem>
+#include <functional>
 #include <thread>
 
 #include "linux/RunLoop.h"
@@ -20,20 +21,6 @@ namespace {
 using namespace std::chrono_literals;
 using namespace std::string_literals;
 namespace fs = std::filesystem;
-
-class UserDefaultsTest : public testing::Test {
- protected:
-    TemporaryFolder files;
-    LinuxMainQueue queue;
-    const fs::path folder = files.path();
-    const fs::path file = folder / "defaults.ini";
-
-    // Puts the text in place as editors and we do it: in another file, which is then moved.
-    void replace(const fs::path& target, const std::string& text) const {
-        files.write("/new", text);
-        fs::rename(folder / "new", target);
-    }
-};
 
 using Value = std::optional<DefaultsValue>;
 
@@ -54,35 +41,43 @@ class Store {
     Cancellation subscription;
 };
 
-TEST_F(UserDefaultsTest, AreSeenAtOnceAndByTheNextProcess) {
-    const auto expect = [](const Store& store) {
-        EXPECT_EQ(store["key"], Value("on"s));
-        EXPECT_EQ(store["gone"], Value());
-        EXPECT_EQ(store["bytes"], Value("a\ufffd"s));
-    };
+class UserDefaultsTest : public testing::Test {
+ protected:
+    TemporaryFolder files;
+    LinuxMainQueue queue;
+    const fs::path folder = files.path();
+    const fs::path file = folder / "defaults.ini";
+
+    // Puts the text in place as editors and we do it: in another file, which is then moved.
+    void replace(const fs::path& target, const std::string& text) const {
+        files.write("/new", text);
+        fs::rename(folder / "new", target);
+    }
+    // By another store than the test's.
+    bool written(std::string_view key, double value) {
+        Store store(queue, file);
+        store.defaults.setObject(key, value);
+        return store.defaults.synchronize();
+    }
+};
+
+TEST_F(UserDefaultsTest, AreSeenAtOnceAndByTheNextProcessAndLeaveTheRestOfTheFile) {
+    const fs::path fresh = folder / "a" / "b" / "defaults.ini";
     {
-        Store store(queue, folder / "a" / "b" / "defaults.ini");
-        EXPECT_EQ(store["key"], Value());
+        Store store(queue, fresh);
         EXPECT_FALSE(fs::exists(folder / "a")) << "nothing is made before there is something to keep";
-        store.defaults.setObject("key", "on"s);
         store.defaults.setObject("gone", true);
         store.defaults.setObject("bytes", "a\xff"s);
         store.defaults.removeObjectForKey("gone");
-        expect(store);
+        EXPECT_EQ(store["gone"], Value());
+        EXPECT_EQ(store["bytes"], Value("a\ufffd"s));
     }
-    expect(Store(queue, folder / "a" / "b" / "defaults.ini"));
-}
-
-TEST_F(UserDefaultsTest, KeepTheRestOfTheFileAndCloseItToOthers) {
+    EXPECT_EQ(files.text("/a/b/defaults.ini"), "[defaults]\nbytes=\"a\ufffd\"\n");
     files.write(kFile, "# mine\n[defaults]\nunknown=oops\nkey=1\n");
-    Store store(queue, file);
-    store.defaults.setObject("key", 2.0);
-    EXPECT_TRUE(store.defaults.synchronize());
+    EXPECT_TRUE(written("key", 2.0));
     EXPECT_EQ(files.text(kFile), "# mine\n[defaults]\nunknown=oops\nkey=2\n");
-    struct stat status {};
-    ASSERT_EQ(stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0600u);
-    EXPECT_EQ(files.root().names("/").size(), 1u);
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(files.root().names("/"), (std::vector<std::string>{"a", "defaults.ini"})) << "and nothing else";
 }
 
 TEST_F(UserDefaultsTest, TellTheirObserversInALaterTurnOfTheMainQueue) {
@@ -103,68 +98,47 @@ TEST_F(UserDefaultsTest, TellTheirObserversInALaterTurnOfTheMainQueue) {
     EXPECT_EQ(store.told, 2);
 }
 
-TEST_F(UserDefaultsTest, AreReadFromAnyThreadWhileTheyChange) {
+TEST_F(UserDefaultsTest, NoticeWhatOthersDoToTheFileHoweverTheyDoIt) {
     Store store(queue, file);
-    std::atomic<bool> isOver = false;
-    std::thread reader([&] {
+    struct Step {
+        const char* name;
+        std::function<void()> act;
+        Value want;
+    };
+    const std::vector<Step> steps{
+        {"made", [&] { files.write(kFile, "[defaults]\nkey=1\n"); }, 1.0},
+        {"written in place", [&] { files.write(kFile, "[defaults]\nkey=2\n"); }, 2.0},
+        {"replaced", [&] { replace(file, "[defaults]\nkey=3"); }, 3.0},
+        {"replaced again", [&] { replace(file, "[defaults]\nkey=4"); }, 4.0},
+        {"moved away", [&] { fs::rename(file, folder / "away"); }, std::nullopt},
+        {"a link in its place", [&] { fs::create_symlink("away", file); }, 4.0},
+        {"written through the link", [&] { files.write("/away", "[defaults]\nkey=6\n"); }, 6.0},
+        {"the folder removed", [&] { files.remove(""); }, std::nullopt},
+        {"the folder made anew", [&] { files.write(kFile, "[defaults]\nkey=7\n"); }, 7.0}};
+    for (const auto& [name, act, want] : steps) {
+        act();
+        EXPECT_TRUE(runUntil([&, &want = want] { return store["key"] == want; })) << name;
+    }
+    EXPECT_TRUE(runUntil([&] { return store.told >= static_cast<int>(steps.size()); }))
+        << "once for each at least";
+}
+
+TEST_F(UserDefaultsTest, PutTheirChangeIntoWhatOthersWriteMeanwhileAndAreReadFromAnyThread) {
+    constexpr int kRounds = 50;
+    Store store(queue, file);
+    std::thread other([&] {
+        DefaultsStorage storage(file.string());
         double last = 0;
-        while (!isOver) {
-            const auto value = store["key"];
-            const double now = value ? std::get<double>(*value) : 0;
-            EXPECT_GE(now, last);
-            last = now;
+        for (int round = 0; round < kRounds; ++round) {
+            EXPECT_TRUE(storage.apply({{"other" + std::to_string(round), true}}));
+            const Value value = store["round"];
+            EXPECT_GE(value ? std::get<double>(*value) : 0, last);
+            last = value ? std::get<double>(*value) : 0;
         }
     });
-    for (int number = 1; number <= 500; ++number)
-        store.defaults.setObject("key", static_cast<double>(number));
-    isOver = true;
-    reader.join();
-    EXPECT_TRUE(store.defaults.synchronize());
-    EXPECT_EQ(files.text(kFile), "[defaults]\nkey=500\n");
-}
-
-TEST_F(UserDefaultsTest, NoticeWhatOthersDoToTheFileHoweverTheyDoIt) {
-    files.write(kFile, "[defaults]\nkey=1\n");
-    Store store(queue, file);
-    const auto becomes = [&](const Value& value) { return runUntil([&] { return store["key"] == value; }); };
-    EXPECT_EQ(store["key"], Value(1.0));
-    files.write(kFile, "[defaults]\nkey=2\n");
-    EXPECT_TRUE(becomes(2.0)) << "written in place";
-    for (const double number : {3.0, 4.0}) {
-        replace(file, "[defaults]\nkey=" + std::to_string(number));
-        EXPECT_TRUE(becomes(number)) << "replaced, and replaced again";
-    }
-    fs::remove(file);
-    EXPECT_TRUE(becomes(std::nullopt)) << "removed";
-    files.write(kFile, "[defaults]\nkey=5\n");
-    EXPECT_TRUE(becomes(5.0)) << "made anew";
-    fs::rename(file, folder / "away");
-    EXPECT_TRUE(becomes(std::nullopt)) << "moved away";
-    fs::create_symlink("away", file);
-    EXPECT_TRUE(becomes(5.0)) << "a link in its place";
-    files.write("/away", "[defaults]\nkey=6\n");
-    EXPECT_TRUE(becomes(6.0)) << "written through the link";
-    fs::remove_all(folder);
-    EXPECT_TRUE(becomes(std::nullopt)) << "the folder removed";
-    fs::create_directory(folder);
-    files.write(kFile, "[defaults]\nkey=7\n");
-    EXPECT_TRUE(becomes(7.0)) << "the folder made anew";
-    EXPECT_TRUE(runUntil([&] { return store.told >= 9; })) << "once for each at least";
-}
-
-TEST_F(UserDefaultsTest, PutTheirChangeIntoWhatOthersWroteMeanwhile) {
-    constexpr int kRounds = 50;
-    const auto writer = [&](const char* prefix) {
-        LinuxMainQueue unused;
-        DefaultsStorage storage(file.string());
-        for (int round = 0; round < kRounds; ++round) {
-            EXPECT_TRUE(storage.apply({{prefix + std::to_string(round), true}}));
-        }
-    };
-    std::thread other([&] { writer("other"); });
-    Store store(queue, file);
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 1; round < kRounds; ++round) {
         store.defaults.setObject("ours" + std::to_string(round), true);
+        store.defaults.setObject("round", static_cast<double>(round));
         EXPECT_TRUE(store.defaults.synchronize());
     }
     other.join();
@@ -172,17 +146,14 @@ TEST_F(UserDefaultsTest, PutTheirChangeIntoWhatOthersWroteMeanwhile) {
     EXPECT_TRUE(runUntil([&] { return store["other" + std::to_string(kRounds - 1)].has_value(); }));
 }
 
-TEST_F(UserDefaultsTest, SurviveAWriterThatWasKilledBeforeItMovedTheFileIntoPlace) {
+TEST_F(UserDefaultsTest, RemoveWhatAKilledWriterLeftAndNothingElse) {
     files.write(kFile, "[defaults]\nkey=1\n");
     files.write("/.defaults.ini.aB3xYz.tmp", "[defaults]\nke");
     files.write("/.defaults.ini.mine.tmp", "");
-    Store store(queue, file);
-    EXPECT_EQ(store["key"], Value(1.0));
-    store.defaults.setObject("other", 2.0);
-    EXPECT_TRUE(store.defaults.synchronize());
+    EXPECT_TRUE(written("other", 2.0));
     EXPECT_EQ(files.text(kFile), "[defaults]\nkey=1\nother=2\n");
-    EXPECT_FALSE(fs::exists(folder / ".defaults.ini.aB3xYz.tmp")) << "what the killed one left is removed";
-    EXPECT_TRUE(fs::exists(folder / ".defaults.ini.mine.tmp")) << "what it did not leave is not";
+    EXPECT_EQ(files.root().names("/").size(), 2u);
+    EXPECT_TRUE(fs::exists(folder / ".defaults.ini.mine.tmp"));
 }
 
 TEST_F(UserDefaultsTest, ReplaceTheTargetOfALinkAndNeverTheLink) {
@@ -190,68 +161,54 @@ TEST_F(UserDefaultsTest, ReplaceTheTargetOfALinkAndNeverTheLink) {
     files.write("/repository/norvane.ini", "[defaults]\nkey=1\n");
     fs::create_symlink("repository/norvane.ini", folder / "second");
     fs::create_symlink(folder / "second", file);
-    Store store(queue, file);
-    store.defaults.setObject("key", 2.0);
-    EXPECT_TRUE(store.defaults.synchronize());
-    EXPECT_TRUE(fs::is_symlink(file) && fs::is_symlink(folder / "second"));
-    EXPECT_FALSE(fs::is_symlink(target));
+    EXPECT_TRUE(written("key", 2.0));
+    EXPECT_TRUE(fs::is_symlink(file) && fs::is_symlink(folder / "second") && !fs::is_symlink(target));
     EXPECT_EQ(files.text("/repository/norvane.ini"), "[defaults]\nkey=2\n");
+    Store store(queue, file);
     replace(target, "[defaults]\nkey=3\n");
     EXPECT_TRUE(runUntil([&] { return store["key"] == Value(3.0); })) << "its folder is watched as well";
 
     fs::remove(target);
-    store.defaults.setObject("key", 4.0);
-    EXPECT_TRUE(store.defaults.synchronize());
+    EXPECT_TRUE(written("key", 4.0));
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(files.text("/repository/norvane.ini"), "[defaults]\nkey=4\n") << "a link that led nowhere";
 }
 
 TEST_F(UserDefaultsTest, MoveAsideWhatIsNoDefaultsFileAtTheFirstWriteAndNotBefore) {
-    const fs::path aside = folder / "defaults.ini.bad";
+    const auto aside = [this] { return fs::symlink_status(folder / "defaults.ini.bad"); };
     const std::string huge = "[defaults]\nkey=1\n" + std::string(DefaultsStorage::kLargestBytes, '#');
-    const auto expectAside = [&](const char* name, const std::function<void()>& make, fs::file_type type) {
-        fs::remove_all(folder);
+    const std::vector<std::pair<const char*, std::function<void()>>> cases{
+        {"a folder", [&] { fs::create_directory(file); }},
+        {"a pipe", [&] { mkfifo(file.c_str(), 0600); }},
+        {"a link to itself", [&] { fs::create_symlink("defaults.ini", file); }},
+        {"a huge file", [&] { files.write(kFile, huge); }}};
+    for (const auto& [name, make] : cases) {
+        files.remove("");
         fs::create_directory(folder);
         make();
-        Store store(queue, file);
-        EXPECT_EQ(store["key"], Value()) << name;
-        EXPECT_TRUE(store.defaults.synchronize());
-        EXPECT_FALSE(fs::exists(fs::symlink_status(aside))) << name;
-        store.defaults.setObject("other", 2.0);
-        EXPECT_TRUE(store.defaults.synchronize()) << name;
-        EXPECT_EQ(fs::symlink_status(aside).type(), type) << name;
+        const fs::file_type type = fs::symlink_status(file).type();
+        EXPECT_EQ(Store(queue, file)["key"], Value()) << name;
+        EXPECT_FALSE(fs::exists(aside())) << name;
+        EXPECT_TRUE(written("other", 2.0)) << name;
+        EXPECT_EQ(aside().type(), type) << name;
         EXPECT_EQ(files.text(kFile), "[defaults]\nother=2\n") << name;
-    };
-    expectAside(
-        "a folder", [&] { fs::create_directory(file); }, fs::file_type::directory);
-    expectAside(
-        "a pipe", [&] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); }, fs::file_type::fifo);
-    expectAside(
-        "a link to itself", [&] { fs::create_symlink("defaults.ini", file); }, fs::file_type::symlink);
-    expectAside(
-        "a huge file", [&] { files.write(kFile, huge); }, fs::file_type::regular);
+    }
     EXPECT_EQ(files.text("/defaults.ini.bad"), huge);
 }
 
 TEST_F(UserDefaultsTest, KeepWhatCannotBeWrittenUntilItCan) {
     const fs::path obstacle = folder / "no-folder";
     files.write("/no-folder", "");
-    {
-        Store store(queue, obstacle / "defaults.ini");
-        store.defaults.setObject("first", 1.0);
-        EXPECT_FALSE(store.defaults.synchronize());
-        EXPECT_EQ(store["first"], Value(1.0));
-        fs::remove(obstacle);
-        store.defaults.setObject("second", 2.0);
-        EXPECT_TRUE(store.defaults.synchronize()) << "the first is tried again with the second";
-        files.write("/no-folder/defaults.ini", "[defaults]\nsecond=3\n");
-        EXPECT_TRUE(runUntil([&] { return store["second"] == Value(3.0); }));
-        EXPECT_EQ(store["first"], Value()) << "what is in the file is the file's";
-    }
-    Store homeless(queue, "");
-    homeless.defaults.setObject("key", 1.0);
-    EXPECT_FALSE(homeless.defaults.synchronize());
-    EXPECT_EQ(homeless["key"], Value(1.0));
+    Store store(queue, obstacle / "defaults.ini");
+    store.defaults.setObject("first", 1.0);
+    EXPECT_FALSE(store.defaults.synchronize());
+    EXPECT_EQ(store["first"], Value(1.0));
+    fs::remove(obstacle);
+    store.defaults.setObject("second", 2.0);
+    EXPECT_TRUE(store.defaults.synchronize()) << "the first is tried again with the second";
+    files.write("/no-folder/defaults.ini", "[defaults]\nsecond=3\n");
+    EXPECT_TRUE(runUntil([&] { return store["second"] == Value(3.0); }));
+    EXPECT_EQ(store["first"], Value()) << "what is in the file is the file's";
 }
 
 TEST_F(UserDefaultsTest, KeepAnUnwrittenValueThroughAnEditOfTheFile) {
@@ -285,7 +242,6 @@ TEST(UserDefaultsPath, FollowsTheXdgBaseDirectories) {
         EXPECT_EQ(LinuxUserDefaults::pathIn(none, "/home/u"), "/home/u/.config/norvane/defaults.ini");
     EXPECT_EQ(LinuxUserDefaults::pathIn(nullptr, nullptr), "");
     EXPECT_EQ(LinuxUserDefaults::pathIn(nullptr, "u"), "");
-    EXPECT_TRUE(LinuxUserDefaults::defaultPath().ends_with("/norvane/defaults.ini"));
 }
 
 }  // namespace

@@ -1,15 +1,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/fuse.h>
 #include <sys/mount.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -46,68 +41,23 @@ class MountNamespaceTest : public testing::Test {
     Volumes volumes{RootFolder(""), SystemCalls::real()};
 };
 
-// A file system in user space whose server is this process. Until it is told to serve, nobody answers.
-class OwnServer {
+// A file system in user space, mounted while this lives. Its server, this process, never answers.
+class HungServer {
  public:
-    static constexpr std::uint64_t kBlockBytes = 4096;
-    static constexpr std::uint64_t kBlocks = 1000;
-    static constexpr std::uint64_t kFreeForUsers = 300;
+    explicit HungServer(const std::string& point) : point_(point) {
+        MountNamespace::mountAt(
+            point, "fuse.sshfs", "ada@host:", 0,
+            "fd=" + std::to_string(device_.get()) + ",rootmode=40000,user_id=0,group_id=0");
+    }
+    ~HungServer() { EXPECT_EQ(::umount2(point_.c_str(), MNT_DETACH), 0); }
+    HungServer(const HungServer&) = delete;
+    HungServer& operator=(const HungServer&) = delete;
 
-    OwnServer() : device_(::open("/dev/fuse", O_RDWR | O_CLOEXEC)) {}
-    ~OwnServer() {
-        if (!thread_.joinable()) return;
-        ::umount2(point_.c_str(), MNT_DETACH);  // its end is the server's
-        thread_.join();
-    }
-
-    bool isPossible() const { return static_cast<bool>(device_); }
-    // A device serves one mount.
-    void renew() { device_ = FileDescriptor(::open("/dev/fuse", O_RDWR | O_CLOEXEC)); }
-    void setPoint(const std::string& point) { point_ = point; }
-    std::string mountOptions() const {
-        return "fd=" + std::to_string(device_.get()) + ",rootmode=40000,user_id=0,group_id=0";
-    }
-    void serve() {
-        thread_ = std::thread([this] { work(); });
-    }
+    static FileDescriptor open() { return FileDescriptor(::open("/dev/fuse", O_RDWR | O_CLOEXEC)); }
 
  private:
-    void work() {
-        std::vector<char> request(std::size_t{1} << 20);
-        for (;;) {
-            const ssize_t length = ::read(device_.get(), request.data(), request.size());
-            if (length < 0 && (errno == EINTR || errno == ENOENT)) continue;
-            if (length < static_cast<ssize_t>(sizeof(fuse_in_header))) return;
-            fuse_in_header header{};
-            std::memcpy(&header, request.data(), sizeof header);
-            if (header.opcode == FUSE_INIT) {
-                fuse_init_out answer{};
-                answer.major = FUSE_KERNEL_VERSION;
-                answer.minor = FUSE_KERNEL_MINOR_VERSION;
-                answer.max_write = 4096;
-                reply(header.unique, 0, &answer, sizeof answer);
-            } else if (header.opcode == FUSE_STATFS) {
-                fuse_statfs_out answer{};
-                answer.st.blocks = kBlocks;
-                answer.st.bfree = 2 * kFreeForUsers;
-                answer.st.bavail = kFreeForUsers;
-                answer.st.bsize = 16 * kBlockBytes;
-                answer.st.frsize = kBlockBytes;
-                reply(header.unique, 0, &answer, sizeof answer);
-            } else if (header.opcode != FUSE_FORGET && header.opcode != FUSE_BATCH_FORGET) {
-                reply(header.unique, -ENOSYS, nullptr, 0);
-            }
-        }
-    }
-    void reply(std::uint64_t unique, int error, void* answer, std::size_t size) {
-        fuse_out_header header{static_cast<std::uint32_t>(sizeof header + size), error, unique};
-        const std::array<iovec, 2> parts{iovec{&header, sizeof header}, iovec{answer, size}};
-        EXPECT_EQ(::writev(device_.get(), parts.data(), 2), static_cast<ssize_t>(header.len));
-    }
-
-    FileDescriptor device_;
+    FileDescriptor device_ = open();
     std::string point_;
-    std::thread thread_;
 };
 
 std::size_t threadsForServers() {
@@ -138,8 +88,7 @@ TEST_F(MountNamespaceTest, BindMountsAddNothingAndWhatIsCoveredGoes) {
 
 TEST_F(MountNamespaceTest, ListenersHearOfVolumesThatComeAndGo) {
     if (!own.enter()) return;
-    OwnServer silent;
-    if (!silent.isPossible()) GTEST_SKIP() << "no file systems in user space here";
+    if (!HungServer::open()) GTEST_SKIP() << "no file systems in user space here";
     const std::string point = base + "/my server";
     const auto isListed = [&] {
         const auto list = volumes.readRemovable();
@@ -148,82 +97,59 @@ TEST_F(MountNamespaceTest, ListenersHearOfVolumesThatComeAndGo) {
     };
     LinuxMainQueue queue;
     HeldQueue background;
-    const auto comes = [&](auto holds) {
+    int mounted = 0;
+    int unmounted = 0;
+    const auto comes = [&](const int& count, int want) {
         return runUntil([&] {
             background.runAll();
-            return holds();
+            return count == want;
         });
     };
     MountWatch watch(queue, background, RootFolder(""));
-    int mounted = 0;
-    int unmounted = 0;
     {
         const auto onMount = watch.onDidMount([&] { ++mounted; });
         const auto onUnmount = watch.onDidUnmount([&] { ++unmounted; });
         EXPECT_EQ(openTables(), 1u);
         background.runAll();
         for (const int round : {1, 2}) {
-            ASSERT_TRUE(MountNamespace::mountAt(base + "/plumbing", "tmpfs", "none"));
-            ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, silent.mountOptions()));
-            EXPECT_TRUE(comes([&] { return mounted == round; }));
-            EXPECT_TRUE(isListed()) << "without a word to its server";
-            EXPECT_EQ(unmounted, round - 1);
-            ASSERT_EQ(::umount2(point.c_str(), MNT_DETACH), 0);
+            {
+                const HungServer silent(point);
+                ASSERT_TRUE(MountNamespace::mountAt(base + "/plumbing", "tmpfs", "none"));
+                EXPECT_TRUE(comes(mounted, round));
+                EXPECT_TRUE(isListed()) << "without a word to its server";
+                EXPECT_EQ(unmounted, round - 1);
+            }
             ASSERT_EQ(::umount((base + "/plumbing").c_str()), 0);
-            EXPECT_TRUE(comes([&] { return unmounted == round; }));
+            EXPECT_TRUE(comes(unmounted, round));
             EXPECT_FALSE(isListed());
             EXPECT_EQ(mounted, round);
-            silent.renew();
         }
     }
     EXPECT_EQ(openTables(), 0u) << "nobody listens";
 
     const auto onMount = watch.onDidMount([&] { ++mounted; });
-    ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, silent.mountOptions()));
+    const HungServer silent(point);
     ASSERT_EQ(background.tasks.size(), 1u);
-    EXPECT_TRUE(comes([&] { return mounted == 3; })) << "before the first look at the table";
-}
-
-TEST(MountWatchPace, IsQuietForLongWhereALookTakesLong) {
-    EXPECT_EQ(MountWatch::quietAfter(0ns), 200ms);
+    EXPECT_TRUE(comes(mounted, 3)) << "before the first look at the table";
     EXPECT_EQ(MountWatch::quietAfter(20ms), 200ms);
-    EXPECT_EQ(MountWatch::quietAfter(21ms), 210ms);
+    EXPECT_EQ(MountWatch::quietAfter(21ms), 210ms) << "quiet for long where a look takes long";
 }
 
-TEST_F(MountNamespaceTest, AServerThatHangsIsLeftOutUntilItAnswers) {
+TEST_F(MountNamespaceTest, AServerThatHangsIsLeftOutAndHoldsOneThread) {
     if (!own.enter()) return;
-    OwnServer server;
-    if (!server.isPossible()) GTEST_SKIP() << "no file systems in user space here";
+    if (!HungServer::open()) GTEST_SKIP() << "no file systems in user space here";
     const std::vector<std::string> before = readPaths();
-    const std::string point = base + "/my server";
-    server.setPoint(point);
-    ASSERT_TRUE(MountNamespace::mountAt(point, "fuse.sshfs", "ada@host:", 0, server.mountOptions()));
-    EXPECT_EQ(readPaths(), before);
-    EXPECT_EQ(threadsForServers(), 1u);
-    EXPECT_EQ(readPaths(), before);
-    EXPECT_EQ(threadsForServers(), 1u) << "the one that is stuck";
-
-    server.serve();
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    {
+        const HungServer server(base + "/my server");
+        for (const int round : {1, 2}) {
+            EXPECT_EQ(readPaths(), before);
+            EXPECT_EQ(threadsForServers(), 1u) << "the one that is stuck, " << round;
+        }
+    }
+    const auto end = std::chrono::steady_clock::now() + 60s;
     while (threadsForServers() > 0 && std::chrono::steady_clock::now() < end)
         std::this_thread::yield();
-    const auto list = volumes.read();
-    ASSERT_TRUE(list);
-    const VolumeResourceValues want{{},
-                                    OwnServer::kBlocks * OwnServer::kBlockBytes,
-                                    OwnServer::kFreeForUsers * OwnServer::kBlockBytes,
-                                    {},
-                                    false,
-                                    false};
-    EXPECT_EQ(std::count(list->begin(), list->end(), VolumeURL(point, want)), 1);
-
-    ASSERT_TRUE(MountNamespace::mountAt(point, "tmpfs", "none"));
-    EXPECT_EQ(readPaths(), before) << "mounted over";
-    ASSERT_EQ(::umount(point.c_str()), 0);
-    EXPECT_EQ(readPaths().size(), before.size() + 1);
-    ASSERT_TRUE(MountNamespace::mountAt(base, "tmpfs", "none"));
-    EXPECT_EQ(readPaths(), before) << "mounted over as a whole";
-    ASSERT_EQ(::umount(base.c_str()), 0);
+    EXPECT_EQ(threadsForServers(), 0u) << "free again";
 }
 
 }  // namespace

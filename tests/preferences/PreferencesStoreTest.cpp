@@ -3,30 +3,25 @@
 #include <cmath>
 
 #include "platform/scripted/ScriptedMachine.h"
-#include "preferences/DefaultsKeys.h"
 #include "preferences/PreferencesStore.h"
 #include "preferences/StoredValue.h"
 
 namespace norvane {
 namespace {
 
-TEST(PreferencesStore, AFreshUserHasTheDefaults) {
-    ScriptedMachine machine;
-    ScriptedUserDefaults& defaults = machine.userDefaults;
-    const PreferencesStore prefs(defaults);
-    EXPECT_EQ(prefs.temperatureUnit(), TemperatureUnit::celsius);
-    EXPECT_EQ(prefs.menuBarIconMode(), MenuBarIconMode::stats);
-    EXPECT_TRUE(prefs.isSmartAutoExpandEnabled());
-    EXPECT_EQ(prefs.insightVerbosity(), InsightVerbosity::detailed);
-    EXPECT_FALSE(prefs.sustainedLoadNotificationsEnabled());
-    EXPECT_FALSE(prefs.storageAlertEnabled());
-    EXPECT_EQ(prefs.storageAlertThresholdGB(), 20.0);
-    EXPECT_FALSE(prefs.batteryAlertEnabled());
-    EXPECT_EQ(prefs.batteryAlertThresholdPct(), 15.0);
-    EXPECT_TRUE(defaults.written.empty()) << "reading stores nothing";
-}
+// All keys, with values that are not the defaults.
+const std::vector<std::pair<std::string, DefaultsValue>> kStored{{"temperatureUnit", "fahrenheit"},
+                                                                 {"menuBarIconMode", "on"},
+                                                                 {"isSmartAutoExpandEnabled", false},
+                                                                 {"insightVerbosity", "concise"},
+                                                                 {"sustainedLoadNotificationsEnabled", true},
+                                                                 {"storageAlertEnabled", true},
+                                                                 {"storageAlertThresholdGB", 42.5},
+                                                                 {"batteryAlertEnabled", true},
+                                                                 {"batteryAlertThresholdPct", 7.0}};
 
-TEST(PreferencesStore, WritesAtOnceUnderItsKeysAndTellsObservers) {
+// A key of the store is a promise to every user who has one already.
+TEST(PreferencesStore, WritesAtOnceUnderItsKeysAndTellsObserversOncePerTurn) {
     ScriptedMachine machine;
     ScriptedUserDefaults& defaults = machine.userDefaults;
     PreferencesStore prefs(defaults);
@@ -43,77 +38,49 @@ TEST(PreferencesStore, WritesAtOnceUnderItsKeysAndTellsObservers) {
     prefs.setBatteryAlertThresholdPct(7);
     EXPECT_EQ(told, 0) << "never while it writes";
     machine.settle();
-    EXPECT_EQ(told, 1) << "once for all of one turn";
-    prefs.setBatteryAlertThresholdPct(7);
-    machine.settle();
-    EXPECT_EQ(told, 2);
-    defaults.written.pop_back();
-
-    const PreferencesStore again(defaults);
-    EXPECT_EQ(again.temperatureUnit(), TemperatureUnit::fahrenheit);
-    EXPECT_EQ(again.menuBarIconMode(), MenuBarIconMode::on);
-    EXPECT_FALSE(again.isSmartAutoExpandEnabled());
-    EXPECT_EQ(again.insightVerbosity(), InsightVerbosity::concise);
-    EXPECT_TRUE(again.sustainedLoadNotificationsEnabled());
-    EXPECT_TRUE(again.storageAlertEnabled());
-    EXPECT_EQ(again.storageAlertThresholdGB(), 42.5);
-    EXPECT_TRUE(again.batteryAlertEnabled());
-    EXPECT_EQ(again.batteryAlertThresholdPct(), 7);
-    EXPECT_EQ(defaults.written,
-              (std::vector<std::string>{"temperatureUnit", "menuBarIconMode", "isSmartAutoExpandEnabled",
-                                        "insightVerbosity", "sustainedLoadNotificationsEnabled",
-                                        "storageAlertEnabled", "storageAlertThresholdGB",
-                                        "batteryAlertEnabled", "batteryAlertThresholdPct"}));
-    EXPECT_EQ(defaults.objectForKey("menuBarIconMode"), DefaultsValue(std::string("on")));
-    EXPECT_EQ(defaults.objectForKey("temperatureUnit"), DefaultsValue(std::string("fahrenheit")));
-    EXPECT_EQ(defaults.objectForKey("insightVerbosity"), DefaultsValue(std::string("concise")));
+    EXPECT_EQ(told, 1);
+    for (const auto& [key, value] : kStored)
+        EXPECT_EQ(defaults.objectForKey(key), value) << key;
+    EXPECT_EQ(defaults.written.size(), kStored.size());
 }
 
-TEST(PreferencesStore, SeesWhatIsChangedFromOutsideAndFallsBackOnGarbageWithoutRewritingIt) {
+TEST(PreferencesStore, HasItsDefaultsAlsoForGarbageWhichItDoesNotRewrite) {
     ScriptedMachine machine;
     ScriptedUserDefaults& defaults = machine.userDefaults;
     const PreferencesStore prefs(defaults);
-    defaults.changeFromOutside("menuBarIconMode", std::string("on"));
-    EXPECT_EQ(prefs.menuBarIconMode(), MenuBarIconMode::on);
-    for (const DefaultsValue& garbage :
-         {DefaultsValue(std::string("dancing")), DefaultsValue(1.0), DefaultsValue(true)}) {
-        defaults.changeFromOutside("menuBarIconMode", garbage);
+    const auto expectDefaults = [&] {
+        EXPECT_EQ(prefs.temperatureUnit(), TemperatureUnit::celsius);
         EXPECT_EQ(prefs.menuBarIconMode(), MenuBarIconMode::stats);
-    }
-    for (const DefaultsValue& garbage :
-         {DefaultsValue(NAN), DefaultsValue(INFINITY), DefaultsValue(std::string("inf")),
-          DefaultsValue(std::string("1e999")), DefaultsValue(false)}) {
-        defaults.changeFromOutside("storageAlertThresholdGB", garbage);
+        EXPECT_TRUE(prefs.isSmartAutoExpandEnabled());
+        EXPECT_EQ(prefs.insightVerbosity(), InsightVerbosity::detailed);
         EXPECT_EQ(prefs.storageAlertThresholdGB(), 20.0);
+        EXPECT_EQ(prefs.batteryAlertThresholdPct(), 15.0);
+        EXPECT_FALSE(prefs.sustainedLoadNotificationsEnabled() || prefs.storageAlertEnabled() ||
+                     prefs.batteryAlertEnabled());
+    };
+    expectDefaults();
+    for (const DefaultsValue& garbage :
+         {DefaultsValue("dancing"), DefaultsValue(NAN), DefaultsValue("1e999")}) {
+        for (const auto& [key, value] : kStored)
+            defaults.changeFromOutside(key, garbage);
+        expectDefaults();
     }
     EXPECT_TRUE(defaults.written.empty());
 }
 
 TEST(PreferencesStore, CarriesTheLegacySwitchOverOnce) {
-    struct Case {
-        const char* name;
-        std::optional<DefaultsValue> legacy;
-        std::vector<std::string> wantWritten, wantRemoved;
-    };
-    const std::vector<std::string> gone{"isDynamicMenuBarEnabled"};
-    for (const Case& c :
-         {Case{"missing", std::nullopt, {}, {}}, Case{"off", DefaultsValue(false), {"menuBarIconMode"}, gone},
-          Case{"on", DefaultsValue(true), {}, gone},
-          Case{"off as 0", DefaultsValue(0.0), {"menuBarIconMode"}, gone},
-          Case{"no Bool", DefaultsValue(std::string("?")), {"menuBarIconMode"}, gone}}) {
+    constexpr auto on = MenuBarIconMode::on, stats = MenuBarIconMode::stats;
+    for (const auto& [legacy, want] : std::vector<std::pair<std::optional<DefaultsValue>, MenuBarIconMode>>{
+             {std::nullopt, on}, {false, stats}, {true, on}, {0.0, stats}, {"?", stats}}) {
         ScriptedMachine machine;
         ScriptedUserDefaults& defaults = machine.userDefaults;
-        defaults.changeFromOutside("menuBarIconMode", std::string("on"));
-        if (c.legacy) defaults.changeFromOutside("isDynamicMenuBarEnabled", *c.legacy);
-        const PreferencesStore prefs(defaults);
-        EXPECT_EQ(defaults.written, c.wantWritten) << c.name;
-        EXPECT_EQ(defaults.removed, c.wantRemoved) << c.name;
-        EXPECT_EQ(prefs.menuBarIconMode(),
-                  c.wantWritten.empty() ? MenuBarIconMode::on : MenuBarIconMode::stats)
-            << c.name;
-        const PreferencesStore second(defaults);
-        EXPECT_EQ(defaults.written, c.wantWritten) << c.name << ": a second start does nothing";
-        EXPECT_EQ(defaults.removed, c.wantRemoved) << c.name;
+        defaults.changeFromOutside("menuBarIconMode", "on");
+        if (legacy) defaults.changeFromOutside("isDynamicMenuBarEnabled", *legacy);
+        for (int start = 1; start <= 2; ++start) {
+            EXPECT_EQ(PreferencesStore(defaults).menuBarIconMode(), want);
+            EXPECT_EQ(defaults.written.size(), want == on ? 0U : 1U) << "start " << start;
+            EXPECT_EQ(defaults.removed.size(), legacy ? 1U : 0U) << "start " << start;
+        }
     }
 }
 
@@ -122,23 +89,18 @@ TEST(StoredValue, MeansSomethingOnlyOfItsType) {
         DefaultsValue stored;
         std::optional<bool> asBool;
         std::optional<double> asNumber;
-        std::optional<std::string> asText;
     };
-    const auto text = [](const char* t) { return DefaultsValue(std::string(t)); };
-    int row = 0;
     for (const Case& c :
-         {Case{true, true, {}, {}}, Case{1.0, true, 1.0, {}}, Case{0.0, false, 0.0, {}},
-          Case{2.0, {}, 2.0, {}}, Case{-INFINITY, {}, {}, {}}, Case{text("1"), true, 1.0, "1"},
-          Case{text("+12.50"), {}, 12.5, "+12.50"}, Case{text("-.5e2"), {}, -50.0, "-.5e2"},
-          Case{text("5."), {}, 5.0, "5."}, Case{text("true"), {}, {}, "true"}, Case{text(""), {}, {}, ""},
-          Case{text("."), {}, {}, "."}, Case{text("1,5"), {}, {}, "1,5"}, Case{text(" 1"), {}, {}, " 1"},
-          Case{text("0x10"), {}, {}, "0x10"}, Case{text("1e"), {}, {}, "1e"},
-          Case{text("1e-400"), false, 0.0, "1e-400"}, Case{text("nan"), {}, {}, "nan"},
-          Case{text("1e400"), {}, {}, "1e400"}}) {
-        EXPECT_EQ(storedBool(c.stored), c.asBool) << row;
-        EXPECT_EQ(storedNumber(c.stored), c.asNumber) << row;
-        EXPECT_EQ(storedText(c.stored), c.asText) << row;
-        ++row;
+         {Case{true, true, {}}, Case{1.0, true, 1.0}, Case{0.0, false, 0.0}, Case{2.0, {}, 2.0},
+          Case{-INFINITY, {}, {}}, Case{"1", true, 1.0}, Case{"+12.50", {}, 12.5}, Case{"-.5e2", {}, -50.0},
+          Case{"5.", {}, 5.0}, Case{"true", {}, {}}, Case{"", {}, {}}, Case{".", {}, {}}, Case{"1,5", {}, {}},
+          Case{" 1", {}, {}}, Case{"0x10", {}, {}}, Case{"1e", {}, {}}, Case{"1e-400", false, 0.0},
+          Case{"nan", {}, {}}, Case{"1e400", {}, {}}}) {
+        const std::string* const text = std::get_if<std::string>(&c.stored);
+        const std::string name = text != nullptr ? *text : "no text";
+        EXPECT_EQ(storedBool(c.stored), c.asBool) << name;
+        EXPECT_EQ(storedNumber(c.stored), c.asNumber) << name;
+        EXPECT_EQ(storedText(c.stored).has_value(), text != nullptr) << name;
     }
 }
 

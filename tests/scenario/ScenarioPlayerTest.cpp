@@ -108,33 +108,6 @@ TEST(ScenarioPlayer, PrintsChangesTicksIntervalsAndMomentsAsAsked) {
                R"(00:00:10.500 label="20% 4.0G")", R"(00:00:13.500 label="30% 4.0G")"}));
 }
 
-// On screen with the third snapshot that says the same, also when it is the user who wants it shorter.
-TEST(ScenarioPlayer, ShowsExplanationsAsComputedAndAsOnScreen) {
-    const std::string headline = "CPU is operating efficiently.";
-    const std::string whole =
-        headline + R"(\nCompute demand is low and the system is maintaining optimal performance.)";
-    EXPECT_EQ(
-        played(lines({R"({"load": 20, "show": ["insight.cpu", "insight.cpu.live", "insight.cpu.concise"]})",
-                      R"({"user": "open", "wait": "4s"})",
-                      R"({"preference": {"insightVerbosity": "concise"}, "wait": "3s"})"})),
-        (Lines{R"(00:00:00.000 insight.cpu=null insight.cpu.live="CPU status unavailable.")"
-               R"( insight.cpu.concise="CPU status unavailable.")",
-               R"(00:00:00.000 insight.cpu="CPU status unavailable." insight.cpu.live=")" + whole +
-                   R"(" insight.cpu.concise=")" + headline + '"',
-               R"(00:00:02.000 insight.cpu=")" + whole + '"',
-               R"(00:00:04.000 insight.cpu.live=")" + headline + '"',
-               R"(00:00:07.000 insight.cpu=")" + headline + '"'}));
-}
-
-TEST(ScenarioPlayer, ANameShowsAllThatBeginWithItAndAPoint) {
-    EXPECT_EQ(played(lines({R"({"show": ["pod"], "wait": "1ms"})"})),
-              Lines{R"(00:00:00.000 pod.expanded=null pod.ifOpened="cpu" pod.cpu="0.00 %")"
-                    R"( pod.memory="0.00 GB used" pod.storage="0.0 GB used" pod.battery="—")"});
-    EXPECT_EQ(played(lines({R"({"show": ["insight.storage"], "wait": "1ms"})"})),
-              Lines{"00:00:00.000 insight.storage=null"})
-        << "what is called so is meant alone";
-}
-
 TEST(ScenarioPlayer, QuitsAndStartsAgain) {
     EXPECT_EQ(played(lines({R"({"show": ["isRunning", "isUIVisible"], "wait": "1s"})",
                             R"({"user": "open", "clickOn": "Quit"})", R"({"wait": "5s"})",
@@ -153,14 +126,6 @@ TEST(ScenarioPlayer, AUserClosesTheDashboardInEveryWay) {
             played(lines({R"({"show": ["isUIVisible"], "user": "open", "wait": "1s"})", closing}));
         EXPECT_EQ(printed.back(), "00:00:01.000 isUIVisible=false") << closing;
     }
-}
-
-TEST(ScenarioPlayer, SleepPassesForTheWallAndTheUptimeAlone) {
-    EXPECT_EQ(played(lines({R"({"show": ["snapshot.timestamp", "snapshot.uptime", "cpuHistory"]})",
-                            R"({"print": "nothing", "load": 50, "user": "open", "wait": "2s"})",
-                            R"({"suspend": "1h", "stepWallClock": "+1h", "wait": "1s", "print": "now"})"})),
-              Lines{R"(01:00:03.000 snapshot.timestamp="2026-01-01T02:00:03.000Z" snapshot.uptime=4603.0 )"
-                    R"(cpuHistory={"points":4,"performance":50.0,"efficiency":0.0,"total":50.0})"});
 }
 
 TEST(ScenarioPlayer, AFailingOperationLeavesTheOthersTheirValues) {
@@ -197,26 +162,6 @@ TEST(ScenarioPlayer, AFailingOperationLeavesTheOthersTheirValues) {
         EXPECT_EQ(after, expected) << c.name;
         EXPECT_NE(after, before) << c.name << " was healthy before";
     }
-}
-
-TEST(ScenarioPlayer, ExtremesReachTheProgramAndDoItNoHarm) {
-    const std::string words = lines({
-        R"({"host_statistics": {"user": "max", "idle": "min"}, "host_processor_info": [{"user": "max"}]})",
-        R"({"host_statistics64": {"wire_count": "max", "active_count": "max", "swapins": "max"}})",
-        R"({"host_page_size": "max", "vm.swapusage": {"xsu_used": "max"}, "physicalMemory": "max"})",
-        R"({"kern.memorystatus_vm_pressure_level": "min", "thermalState": "max", "systemUptime": "nan"})",
-        R"json({"hw.logicalcpu": 500, "IOBlockStorageDriver": [{"Statistics": {"Bytes (Read)": "max"}}]})json",
-        R"({"IOAccelerator": [{"PerformanceStatistics": {"Device Utilization %": "max"}}]})",
-        R"({"AppleSmartBattery": [{"CurrentCapacity": "min", "MaxCapacity": "nan", "Temperature": "inf"}]})",
-        R"({"IOPSCopyPowerSourcesInfo": [{"Time to Empty": "-inf"}]})",
-        R"({"mountedVolumeURLs": {"/": {"volumeTotalCapacity": "max", "volumeAvailableCapacity": "min"}}})",
-    });
-    const Json fields = snapshotOf(words);
-    EXPECT_EQ(fields["memoryPressure"], std::numeric_limits<std::int64_t>::min());
-    EXPECT_EQ(fields["thermalLevel"], "nominal");
-    EXPECT_EQ(fields["batteryTemperatureC"], nullptr) << "no temperature";
-    EXPECT_EQ(fields["gpuUsage"], 9'223'372'036'854'775'807.0);
-    EXPECT_EQ(fields["totalMemoryGB"], 17'179'869'184.0);
 }
 
 TEST(ScenarioPlayer, SaysWhatIsWrongWithALineAndWhere) {

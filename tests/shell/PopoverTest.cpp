@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "platform/scripted/ScriptedMachine.h"
@@ -16,6 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr Rect kAnchor{{700, 0}, {54, 22}};
+
 // A popover of 100 x 40 points below an anchor in the middle of the screen, and a delegate that writes down
 // what it hears.
 class PopoverTest : public testing::Test, private PopoverDelegate {
@@ -23,11 +26,11 @@ class PopoverTest : public testing::Test, private PopoverDelegate {
     PopoverTest() { popover_.setDelegate(this); }
 
     void show() {
-        popover_.showBelow({{700, 0}, {54, 22}});
+        popover_.showBelow(kAnchor);
         machine_.settle();
         heard_.clear();
     }
-    bool isOnScreen() const { return !machine_.windowServer.windows().empty(); }
+    std::size_t onScreen() const { return machine_.windowServer.windows().size(); }
 
     void popoverWillShow(Popover& popover) override { heard_ += popover.isShown() ? "?" : "will "; }
     bool popoverShouldClose(Popover& popover) override {
@@ -49,78 +52,61 @@ class PopoverTest : public testing::Test, private PopoverDelegate {
     std::string heard_;
 };
 
-TEST_F(PopoverTest, ComesUpBelowItsAnchorAfterTheTurnInWhichItIsMoved) {
-    popover_.showBelow({{700, 0}, {54, 22}});
-    EXPECT_EQ(heard_, "will ");
-    EXPECT_TRUE(popover_.isShown());
-    EXPECT_FALSE(isOnScreen());
+TEST_F(PopoverTest, ComesUpAfterTheTurnInWhichItIsMovedUnlessItIsClosedBefore) {
+    popover_.showBelow(kAnchor);
+    popover_.performClose();
+    machine_.settle();
+    EXPECT_EQ(onScreen(), 0U);
+    EXPECT_EQ(std::exchange(heard_, ""), "will should did ");
+    popover_.showBelow(kAnchor);
+    popover_.performClose();
+    popover_.showBelow(kAnchor);
+    EXPECT_EQ(onScreen(), 0U);
     machine_.dispatch.mainQueue().async([&] {
-        EXPECT_FALSE(isOnScreen());
+        EXPECT_EQ(onScreen(), 0U);
         popover_.window()->setFrame({{500, 28}, {100, 40}});
     });
     machine_.settle();
-    ASSERT_TRUE(isOnScreen());
+    ASSERT_EQ(onScreen(), 1U) << "the later showing holds";
     EXPECT_EQ(machine_.windowServer.windows()[0]->placesShown(), std::vector<Point>({{500, 28}}))
         << "nothing jumped";
-}
-
-TEST_F(PopoverTest, AskedToCloseBeforeItCameUpItNeverDoes) {
-    popover_.showBelow({{700, 0}, {54, 22}});
+    heard_.clear();
+    for (const auto& [anchor, left] : {std::pair{700.0, 500.0}, std::pair{100.0, 77.0}}) {
+        popover_.showBelow({{anchor, 0}, {54, 22}});
+        machine_.settle();
+        EXPECT_EQ(popover_.window()->frame().origin, (Point{left, 28})) << "it goes with its anchor";
+    }
     popover_.performClose();
-    machine_.settle();
-    EXPECT_FALSE(isOnScreen());
-    EXPECT_EQ(heard_, "will should did ");
-    popover_.showBelow({{700, 0}, {54, 22}});
     popover_.performClose();
-    popover_.showBelow({{700, 0}, {54, 22}});
-    machine_.settle();
-    EXPECT_EQ(machine_.windowServer.windows().size(), 1U) << "the later showing holds";
+    EXPECT_EQ(heard_, "should did ") << "shown again and closed again is nothing new";
+    EXPECT_EQ(popover_.window(), nullptr);
 }
 
 TEST_F(PopoverTest, EveryWayOfClosingAsksFirst) {
     struct Case {
-        const char* name;
         PopoverBehavior behavior;
-        bool esc, outside, focusLost;  // whether it closes
+        bool outside, focusLost;  // whether it closes
     };
     for (const Case& c :
-         {Case{"application-defined", PopoverBehavior::applicationDefined, true, false, false},
-          Case{"transient", PopoverBehavior::transient, true, true, true},
-          Case{"semitransient", PopoverBehavior::semitransient, true, true, false}}) {
+         {Case{PopoverBehavior::applicationDefined, false, false},
+          Case{PopoverBehavior::transient, true, true}, Case{PopoverBehavior::semitransient, true, false}}) {
         popover_.setBehavior(c.behavior);
         const auto expect = [&](const char* way, bool closes, auto&& act) {
+            show();
             for (const bool may : {false, true}) {
-                mayClose_ = true;
-                popover_.performClose();
-                show();
                 popover_.window()->makeKeyWindow();
                 mayClose_ = may;
                 act();
-                EXPECT_EQ(heard_, !closes ? "" : may ? "should did " : "should ") << c.name << ", " << way;
-                EXPECT_EQ(isOnScreen(), !(closes && may)) << c.name << ", " << way;
+                EXPECT_EQ(std::exchange(heard_, ""), !closes ? "" : may ? "should did " : "should ") << way;
+                EXPECT_EQ(onScreen(), closes && may ? 0U : 1U) << way << static_cast<int>(c.behavior);
             }
+            popover_.performClose();
         };
-        expect("Esc", c.esc, [&] { machine_.windowServer.press(KeyEvent::Key::escape); });
+        expect("Esc", true, [&] { machine_.windowServer.press(KeyEvent::Key::escape); });
         expect("outside", c.outside, [&] { machine_.windowServer.click({10, 900}); });
         expect("inside", false, [&] { machine_.windowServer.click({720, 40}); });
         expect("focus", c.focusLost, [&] { machine_.windowServer.focusElsewhere(); });
-        expect("asked", true, [&] { popover_.performClose(); });
     }
-}
-
-TEST_F(PopoverTest, ShownAgainItComesToTheFrontBelowItsAnchorAndClosedAgainDoesNothing) {
-    show();
-    popover_.window()->setFrame({{500, 28}, {100, 40}});
-    for (const auto& [anchor, left] : {std::pair{700.0, 500.0}, std::pair{100.0, 77.0}}) {
-        popover_.showBelow({{anchor, 0}, {54, 22}});
-        machine_.settle();
-        EXPECT_EQ(heard_, "");
-        EXPECT_EQ(popover_.window()->frame().origin, (Point{left, 28}));
-    }
-    popover_.performClose();
-    popover_.performClose();
-    EXPECT_EQ(heard_, "should did ");
-    EXPECT_EQ(popover_.window(), nullptr);
 }
 
 TEST_F(PopoverTest, ItsContentLivesFromEachShowingToItsClosing) {
@@ -128,8 +114,7 @@ TEST_F(PopoverTest, ItsContentLivesFromEachShowingToItsClosing) {
     EXPECT_EQ(appearances_, 1);
     mayClose_ = false;
     popover_.performClose();
-    popover_.showBelow({{700, 0}, {54, 22}});
-    machine_.settle();
+    show();
     EXPECT_EQ(appearances_, 1) << "it has been there all the time";
     mayClose_ = true;
     popover_.performClose();
@@ -142,23 +127,15 @@ TEST_F(PopoverTest, ItsContentLivesFromEachShowingToItsClosing) {
     machine_.settle();
     EXPECT_EQ(popover_.window()->frame().size.height, 40);
     machine_.advance(500ms);
-    ScriptedPopoverWindow& window = *machine_.windowServer.windows().at(0);
-    EXPECT_EQ(window.picture().size.height, 65) << "the panel in it is on its way";
+    EXPECT_EQ(machine_.windowServer.windows().at(0)->picture().size.height, 65)
+        << "the panel in it is on its way";
 }
 
 TEST(ScreenClamp, KeepsEightPointsOnBothSidesTheLeftOneLast) {
     const Rect screen{{100, 22}, {1000, 700}};
-    struct Case {
-        const char* name;
-        double x, width, want;
-    };
-    for (const Case& c : {Case{"in the middle", 400, 520, 400},
-                          {"beyond the right", 700, 520, 572},
-                          {"beyond the left", 90, 520, 108},
-                          {"wider than the screen", 300, 1200, 108}}) {
-        EXPECT_EQ(clampedToScreen({{c.x, 30}, {c.width, 50}}, screen), (Rect{{c.want, 30}, {c.width, 50}}))
-            << c.name;
-    }
+    for (const auto& [x, width, want] :
+         {std::tuple{400.0, 520.0, 400.0}, {700, 520, 572}, {90, 520, 108}, {300, 1200, 108}})
+        EXPECT_EQ(clampedToScreen({{x, 30}, {width, 50}}, screen), (Rect{{want, 30}, {width, 50}}));
 }
 
 }  // namespace

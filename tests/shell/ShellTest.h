@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -12,6 +14,7 @@
 #include <variant>
 #include <vector>
 
+#include "dashboard/ShownPanel.h"
 #include "platform/Decimal.h"
 #include "platform/scripted/ScriptedMachine.h"
 #include "platform/scripted/ScriptedPopoverWindow.h"
@@ -64,52 +67,28 @@ class ShellTest : public testing::Test {
     }
     // The one that hears what is typed; empty for none.
     std::string keyboard() {
+        const auto treeOf = [](ScriptedPopoverWindow* window) {
+            window->picture();
+            return window->content().accessibleTree();
+        };
+        const auto& windows = machine_.windowServer.windows();
         std::vector<AccessibleNode> before;
-        for (ScriptedPopoverWindow* window : machine_.windowServer.windows())
-            before.push_back(treeOf(*window));
+        std::transform(windows.begin(), windows.end(), std::back_inserter(before), treeOf);
         machine_.windowServer.press(KeyEvent::Key::tab);
         std::string hears;
-        for (std::size_t i = 0; i < before.size(); ++i) {
-            ScriptedPopoverWindow& window = *machine_.windowServer.windows()[i];
-            if (!(treeOf(window) == before[i])) hears += nameOf(window);
-        }
+        for (std::size_t i = 0; i < before.size(); ++i)
+            if (!(treeOf(windows[i]) == before[i])) hears += nameOf(*windows[i]);
         return hears;
     }
-    // A click of the pointer on what bears that name in the window.
-    void clickOn(std::string_view windowName, std::string_view name) {
-        ScriptedPopoverWindow& target = window(windowName);
-        const AccessibleNode tree = treeOf(target);
-        const AccessibleNode* const node = find(tree, name);
-        ASSERT_NE(node, nullptr) << name << " in " << windowName;
-        machine_.windowServer.click(
-            {target.frame().minX() + node->frame.midX(), target.frame().minY() + node->frame.midY()});
-        machine_.settle();
+    // What is in the one of that name.
+    ShownPanel panel(std::string_view name) {
+        window(name).picture();  // what is told goes with a picture
+        return {machine_, window(name).content()};
     }
-    static const AccessibleNode* find(const AccessibleNode& node, std::string_view name) {
-        if (node.name == name && node.role != AccessibleRole::group) return &node;
-        for (const AccessibleNode& child : node.children)
-            if (const AccessibleNode* const found = find(child, name)) return found;
-        return nullptr;
-    }
-    void clickOutside() {
-        machine_.windowServer.click({10, 990});
-        machine_.settle();
-    }
-    void focusElsewhere() {
-        machine_.windowServer.focusElsewhere();
-        machine_.settle();
-    }
-    void pressEscape() {
-        machine_.windowServer.press(KeyEvent::Key::escape);
-        machine_.settle();
-    }
-    // The same by what assistive programs do: it reaches what is covered, too.
+    // As assistive programs do it: it reaches what is covered, too.
     void press(std::string_view windowName, std::string_view name) {
-        ScriptedPopoverWindow& target = window(windowName);
-        const AccessibleNode tree = treeOf(target);
-        const AccessibleNode* const node = find(tree, name);
-        ASSERT_NE(node, nullptr) << name << " in " << windowName;
-        EXPECT_TRUE(target.content().perform(node->key, "press")) << name;
+        const std::string key = panel(windowName).node(name).key;
+        EXPECT_TRUE(window(windowName).content().perform(key, "press")) << name;
         machine_.settle();
     }
     // What the status item's button shows: "MenuIconNormal 0.50", or nothing.
@@ -129,10 +108,39 @@ class ShellTest : public testing::Test {
         for (std::string word; all >> word;)
             act(word);
     }
-    virtual void act(const std::string& word) { ADD_FAILURE() << word; }
+    virtual void act(const std::string& word) {
+        if (word == "click") {
+            open();
+        } else if (word == "outside") {
+            machine_.windowServer.click({10, 990});
+        } else if (word == "focus") {
+            machine_.windowServer.focusElsewhere();
+        } else if (word == "esc") {
+            machine_.windowServer.press(KeyEvent::Key::escape);
+        } else if (word == "close-main") {
+            window("main").observer().windowEscapePressed();
+        } else {
+            press("main", word);
+        }
+        machine_.settle();
+        icon();  // the panel paints what has changed
+    }
+    void choose(MenuBarIconMode mode) {
+        app_->preferences().setMenuBarIconMode(mode);
+        machine_.settle();
+    }
+    double length() { return machine_.windowServer.statusItemLength(); }
+    // The label's columns: "12% 4.0G"; empty for an icon.
+    std::string label() {
+        machine_.windowServer.statusItemPicture();
+        std::string text;
+        for (const AccessibleNode& column :
+             machine_.windowServer.statusItemContent()->accessibleTree().children)
+            text += (text.empty() ? "" : " ") + column.value;
+        return text;
+    }
 
     static constexpr std::chrono::milliseconds kEntrance{200};
-    static constexpr const char* kOptimal = "System is operating optimally within comfortable parameters.";
 
     ScriptedMachine machine_;
     std::optional<NorvaneApp> app_;
@@ -146,12 +154,7 @@ class ShellTest : public testing::Test {
             icon();
         }
     }
-    static AccessibleNode treeOf(ScriptedPopoverWindow& window) {
-        window.picture();  // the tree goes with a picture
-        return window.content().accessibleTree();
-    }
 
- private:
     static std::string iconIn(const DisplayItem& item, double opacity) {
         if (const auto* group = std::get_if<DrawGroup>(&item.command))
             return iconIn(group->items.front(), opacity * group->opacity);

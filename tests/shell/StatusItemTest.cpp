@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "shell/MenuBarStatsText.h"
 #include "ShellTest.h"
 
 namespace norvane {
@@ -11,11 +10,9 @@ using namespace std::chrono_literals;
 // What panels differ in, and what other starts of the application ask for.
 class StatusItemTest : public ShellTest {
  protected:
-    void choose(std::string_view title) {
-        for (const StatusMenuItem& item : machine_.windowServer.contextMenu()) {
-            if (item.title == title) item.action();
-        }
-        machine_.settle();
+    void startPanel() {
+        machine_.windowServer.startPanel();
+        machine_.advance(1s);
     }
     void reopen() {
         machine_.application.reopen();
@@ -26,23 +23,37 @@ class StatusItemTest : public ShellTest {
 TEST_F(StatusItemTest, APanelThatStartsLaterGetsWhatWasAskedForMeanwhile) {
     machine_.windowServer.hasPanel = false;
     launch(false);
-    EXPECT_EQ(shown(), "");
-    machine_.windowServer.startPanel();
-    machine_.advance(1s);
-    EXPECT_EQ(shown(), "welcome") << "the first thing to see is not lost";
+    startPanel();
+    EXPECT_EQ(shown(), "welcome");
     store(defaultskey::kHasSeenWelcome, true);
-    pressEscape();
-
+    act("esc");
     machine_.windowServer.hasPanel = false;
     reopen();
-    EXPECT_EQ(shown(), "");
-    machine_.windowServer.startPanel();
-    machine_.advance(1s);
+    controller().statusItemClicked();
+    controller().openSettings();
+    app_->showSettings();
+    machine_.settle();
+    EXPECT_EQ(shown(), "") << "nothing to hang from";
+    reopen();
+    startPanel();
     EXPECT_EQ(shown(), "main");
-    pressEscape();
-    machine_.windowServer.startPanel();
-    machine_.advance(1s);
+    act("esc");
+    startPanel();
     EXPECT_EQ(shown(), "") << "once";
+
+    // What a changed mode took away waits as well.
+    for (const char* words : {"click Settings", "click Settings", "click"}) {
+        actAll(words);
+        const std::string before = shown();
+        const bool isOn = app_->preferences().menuBarIconMode() == MenuBarIconMode::on;
+        choose(isOn ? MenuBarIconMode::stats : MenuBarIconMode::on);
+        machine_.windowServer.hasPanel = false;
+        machine_.advance(2s);
+        EXPECT_EQ(shown(), "") << words;
+        startPanel();
+        EXPECT_EQ(shown(), before) << words;
+        act("esc");
+    }
 }
 
 TEST_F(StatusItemTest, APressThatIsToldOfAfterwardsClosesAndDoesNotOpenAgain) {
@@ -78,49 +89,41 @@ TEST_F(StatusItemTest, APressThatIsToldOfAfterwardsClosesAndDoesNotOpenAgain) {
 
 TEST_F(StatusItemTest, AnotherStartShowsTheDashboardAndNeverClosesIt) {
     launch();
-    reopen();
-    EXPECT_EQ(shown(), "main");
-    machine_.advance(kEntrance);
-    EXPECT_EQ(keyboard(), "main");
-    reopen();
-    EXPECT_EQ(shown(), "main");
-    controller().openSettings();
-    machine_.settle();
-    EXPECT_EQ(shown(), "settings");
-    reopen();
-    EXPECT_EQ(shown(), "main");
+    for (const char* words : {"", "Pin Pin", "Settings"}) {
+        actAll(words);
+        reopen();
+        EXPECT_EQ(shown(), "main") << words;
+        machine_.advance(kEntrance);
+        EXPECT_EQ(keyboard(), "main") << words;
+    }
     store(defaultskey::kHasSeenWelcome, false);
-    pressEscape();
+    act("esc");
     reopen();
     EXPECT_EQ(shown(), "welcome") << "first things first";
 }
 
-TEST_F(StatusItemTest, TheMenuOpensShowsTheSettingsSceneAndQuits) {
+TEST_F(StatusItemTest, TheMenuOpensShowsSettingsOfTheApplicationsOwnAndQuits) {
     launch();
-    std::string titles;
-    for (const StatusMenuItem& item : machine_.windowServer.contextMenu())
-        titles += item.title + ' ';
-    EXPECT_EQ(titles, "Open Settings Quit ");
-    choose("Open");
-    choose("Open");
-    EXPECT_EQ(shown(), "main");
-    pressEscape();
-    choose("Settings");
-    EXPECT_EQ(shown(), "settings");
-    EXPECT_FALSE(machine_.application.terminated);
-    choose("Quit");
+    const auto choose = [menu = machine_.windowServer.contextMenu(), this](std::size_t index) {
+        menu.at(index).action();
+        machine_.settle();
+        return shown();
+    };
+    EXPECT_EQ(choose(0), "main");
+    EXPECT_EQ(choose(0), "main");
+    act("esc");
+    EXPECT_EQ(choose(1), "settings");
+    EXPECT_EQ(choose(1), "settings") << "once";
+    EXPECT_EQ(keyboard(), "settings");
+    EXPECT_EQ(window("settings").frame().maxX(), 1600 - 8);
+    EXPECT_FALSE(isUIVisible());
+    ShellTest::choose(MenuBarIconMode::on);
+    machine_.advance(3s);
+    EXPECT_EQ(shown(), "settings") << "it is none of the item's popovers";
+    EXPECT_EQ(machine_.windowServer.toolTip(), "CPU 0%, RAM 4.0G") << "beside an icon, too";
+    EXPECT_EQ(choose(0), "main") << "instead of them";
+    choose(2);
     EXPECT_TRUE(machine_.application.terminated);
-}
-
-TEST_F(StatusItemTest, TheToolTipTellsTheFiguresInBothModes) {
-    launch();
-    for (const char* const mode : {"on", "stats"}) {
-        store(defaultskey::kMenuBarIconMode, std::string(mode));
-        machine_.advance(3s);
-        const MenuBarStats& stats = controller().sampler().menuBarStats().get();
-        EXPECT_GT(stats.ramTotal, 1);
-        EXPECT_EQ(machine_.windowServer.toolTip(), menuBarToolTip(stats)) << mode;
-    }
 }
 
 }  // namespace

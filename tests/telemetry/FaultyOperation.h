@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,20 +9,28 @@
 
 namespace norvane {
 
-// An operation of the platform as a run of the machine sees it, whatever it answers.
+// An operation of the platform that can be made to fail, whatever it answers.
 class AnyOperation {
  public:
-    explicit AnyOperation(std::string_view name) : name_(name) {}
-    virtual ~AnyOperation() = default;
+    AnyOperation(std::string_view name, std::size_t faults) : name_(name), faults_(faults) {}
 
     const std::string& name() const { return name_; }
-    // For messages: its numbers.
-    virtual std::vector<std::string> faultNames() const = 0;
-    virtual void fail(std::size_t fault) = 0;
-    virtual void recover() = 0;
+    // For messages: their numbers.
+    std::vector<std::string> faultNames() const {
+        std::vector<std::string> names;
+        for (std::size_t i = 0; i < faults_; ++i)
+            names.push_back(std::to_string(i));
+        return names;
+    }
+    void fail(std::size_t fault) { fault_ = fault; }
+    void recover() { fault_.reset(); }
+
+ protected:
+    std::optional<std::size_t> fault_;
 
  private:
     const std::string name_;
+    const std::size_t faults_;
 };
 
 using Operations = std::vector<AnyOperation*>;
@@ -33,24 +41,14 @@ template <typename Answer>
 class FaultyOperation final : public AnyOperation {
  public:
     FaultyOperation(Operations& all, std::string_view name, std::vector<Answer> faults)
-        : AnyOperation(name), faults_(std::move(faults)) {
+        : AnyOperation(name, faults.size()), faults_(std::move(faults)) {
         all.push_back(this);
     }
 
-    Answer operator()(Answer healthy) const { return fault_ == nullptr ? healthy : *fault_; }
-
-    std::vector<std::string> faultNames() const override {
-        std::vector<std::string> names;
-        for (std::size_t i = 0; i < faults_.size(); ++i)
-            names.push_back(std::to_string(i));
-        return names;
-    }
-    void fail(std::size_t fault) override { fault_ = &faults_.at(fault); }
-    void recover() override { fault_ = nullptr; }
+    Answer operator()(Answer healthy) const { return fault_ ? faults_.at(*fault_) : healthy; }
 
  private:
     const std::vector<Answer> faults_;
-    const Answer* fault_ = nullptr;
 };
 
 }  // namespace norvane

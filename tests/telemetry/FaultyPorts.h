@@ -15,9 +15,22 @@
 // through a stand-in that can be made to fail; the others are handed on.
 namespace norvane {
 
-class FaultyHostPort final : public HostPort {
+template <typename Port>
+class FaultyPort : public Port {
  public:
-    FaultyHostPort(HostPort& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+    FaultyPort(Port& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+
+ protected:
+    template <typename Answer>
+    using Faulty = FaultyOperation<std::optional<Answer>>;
+
+    Port& healthy_;
+    Operations& all_;
+};
+
+class FaultyHostPort final : public FaultyPort<HostPort> {
+ public:
+    using FaultyPort::FaultyPort;
 
     std::optional<HostCPULoadInfo> host_statistics(TickToken tick) override {
         return statistics_(healthy_.host_statistics(tick));
@@ -31,18 +44,18 @@ class FaultyHostPort final : public HostPort {
     std::uint64_t host_page_size() override { return pageSize_(healthy_.host_page_size()); }
 
  private:
-    HostPort& healthy_;
-    Operations& all_;
-    FaultyOperation<std::optional<HostCPULoadInfo>> statistics_{all_, "host_statistics", loadFaults()};
-    FaultyOperation<std::optional<ProcessorInfo>> processorInfo_{all_, "host_processor_info",
-                                                                 processorFaults()};
-    FaultyOperation<std::optional<VMStatistics64>> statistics64_{all_, "host_statistics64", memoryFaults()};
+    Faulty<HostCPULoadInfo> statistics_{
+        all_,
+        "host_statistics",
+        {std::nullopt, HostCPULoadInfo(), HostCPULoadInfo{UINT_MAX, UINT_MAX, UINT_MAX, UINT_MAX}}};
+    Faulty<ProcessorInfo> processorInfo_{all_, "host_processor_info", processorFaults()};
+    Faulty<VMStatistics64> statistics64_{all_, "host_statistics64", memoryFaults()};
     FaultyOperation<std::uint64_t> pageSize_{all_, "host_page_size", {0, 1, kAllOnes}};
 };
 
-class FaultySysctl final : public Sysctl {
+class FaultySysctl final : public FaultyPort<Sysctl> {
  public:
-    FaultySysctl(Sysctl& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+    using FaultyPort::FaultyPort;
 
     // A new name makes this not build until it is listed here.
     std::optional<std::int64_t> sysctlbyname(SysctlNumber name, TickToken tick) override {
@@ -72,21 +85,19 @@ class FaultySysctl final : public Sysctl {
     }
 
  private:
-    using Number = FaultyOperation<std::optional<std::int64_t>>;
-
-    Sysctl& healthy_;
-    Operations& all_;
-    Number performance_{all_, "hw.perflevel0.logicalcpu", numberFaults()};
-    Number efficiency_{all_, "hw.perflevel1.logicalcpu", numberFaults()};
-    Number arm64_{all_, "hw.optional.arm64", numberFaults()};
-    Number pressure_{all_, "kern.memorystatus_vm_pressure_level", numberFaults()};
-    FaultyOperation<std::optional<std::string>> model_{all_, "hw.model", textFaults()};
-    FaultyOperation<std::optional<XswUsage>> swapUsage_{all_, "vm.swapusage", swapFaults()};
+    Faulty<std::int64_t> performance_{all_, "hw.perflevel0.logicalcpu", numberFaults()};
+    Faulty<std::int64_t> efficiency_{all_, "hw.perflevel1.logicalcpu", numberFaults()};
+    Faulty<std::int64_t> arm64_{all_, "hw.optional.arm64", numberFaults()};
+    Faulty<std::int64_t> pressure_{all_, "kern.memorystatus_vm_pressure_level", numberFaults()};
+    Faulty<std::string> model_{
+        all_, "hw.model", {std::nullopt, std::string(), std::string("\0iMac", 5), hugeText() + "iMac"}};
+    Faulty<XswUsage> swapUsage_{
+        all_, "vm.swapusage", {std::nullopt, XswUsage(), XswUsage{kAllOnes, kAllOnes, kAllOnes}}};
 };
 
-class FaultyProcessInfo final : public ProcessInfo {
+class FaultyProcessInfo final : public FaultyPort<ProcessInfo> {
  public:
-    FaultyProcessInfo(ProcessInfo& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+    using FaultyPort::FaultyPort;
 
     std::uint64_t physicalMemory(TickToken tick) override { return memory_(healthy_.physicalMemory(tick)); }
     int thermalState(TickToken tick) override { return thermal_(healthy_.thermalState(tick)); }
@@ -94,19 +105,16 @@ class FaultyProcessInfo final : public ProcessInfo {
     bool isLowPowerModeEnabled() override { return healthy_.isLowPowerModeEnabled(); }
 
  private:
-    ProcessInfo& healthy_;
-    Operations& all_;
     FaultyOperation<std::uint64_t> memory_{all_, "physicalMemory", {0, 1, kAllOnes}};
     FaultyOperation<int> thermal_{all_, "thermalState", {4, -1, INT_MIN}};
     FaultyOperation<double> uptime_{all_, "systemUptime", {-1, 0x1p63, kNaN, kInfinity}};
 };
 
-class FaultyRegistry final : public Registry {
+class FaultyRegistry final : public FaultyPort<Registry> {
  public:
-    FaultyRegistry(Registry& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+    using FaultyPort::FaultyPort;
 
-    std::optional<std::vector<RegistryEntry>> IOServiceGetMatchingServices(RegistryService service,
-                                                                           TickToken tick) override {
+    std::optional<Services> IOServiceGetMatchingServices(RegistryService service, TickToken tick) override {
         auto answer = healthy_.IOServiceGetMatchingServices(service, tick);
         switch (service) {
             case RegistryService::IOBlockStorageDriver:
@@ -120,36 +128,29 @@ class FaultyRegistry final : public Registry {
     }
 
  private:
-    using Matching = FaultyOperation<std::optional<Services>>;
-
-    Registry& healthy_;
-    Operations& all_;
-    Matching drives_{all_, "IOBlockStorageDriver",
-                     serviceFaults("Statistics", {"Bytes (Read)", "Bytes (Write)"})};
-    Matching accelerators_{
+    Faulty<Services> drives_{all_, "IOBlockStorageDriver",
+                             serviceFaults("Statistics", {"Bytes (Read)", "Bytes (Write)"})};
+    Faulty<Services> accelerators_{
         all_, "IOAccelerator",
         serviceFaults("PerformanceStatistics", {"Device Utilization %", "GPU Activity(%)"})};
-    Matching batteries_{all_, "AppleSmartBattery", batteryFaults()};
+    Faulty<Services> batteries_{all_, "AppleSmartBattery", batteryFaults()};
 };
 
-class FaultyPowerSources final : public PowerSources {
+class FaultyPowerSources final : public FaultyPort<PowerSources> {
  public:
-    FaultyPowerSources(PowerSources& healthy, Operations& all)
-        : healthy_(healthy), info_(all, "IOPSCopyPowerSourcesInfo", powerSourceFaults()) {}
+    using FaultyPort::FaultyPort;
 
     std::optional<std::vector<PowerSourceDescription>> IOPSCopyPowerSourcesInfo(TickToken tick) override {
         return info_(healthy_.IOPSCopyPowerSourcesInfo(tick));
     }
 
  private:
-    PowerSources& healthy_;
-    FaultyOperation<std::optional<std::vector<PowerSourceDescription>>> info_;
+    Faulty<std::vector<PowerSourceDescription>> info_{all_, "IOPSCopyPowerSourcesInfo", powerSourceFaults()};
 };
 
-class FaultyFileManager final : public FileManager {
+class FaultyFileManager final : public FaultyPort<FileManager> {
  public:
-    FaultyFileManager(FileManager& healthy, Operations& all)
-        : healthy_(healthy), urls_(all, "mountedVolumeURLs", volumeFaults()) {}
+    using FaultyPort::FaultyPort;
 
     std::optional<std::vector<VolumeURL>> mountedVolumeURLs(TickToken tick) override {
         return urls_(healthy_.mountedVolumeURLs(tick));
@@ -159,17 +160,16 @@ class FaultyFileManager final : public FileManager {
     }
 
  private:
-    FileManager& healthy_;
-    FaultyOperation<std::optional<std::vector<VolumeURL>>> urls_;
+    Faulty<std::vector<VolumeURL>> urls_{all_, "mountedVolumeURLs", volumeFaults()};
 };
 
-class FaultyUserDefaults final : public UserDefaults {
+class FaultyUserDefaults final : public FaultyPort<UserDefaults> {
  public:
-    FaultyUserDefaults(UserDefaults& healthy, Operations& all) : healthy_(healthy), all_(all) {}
+    using FaultyPort::FaultyPort;
 
     std::optional<DefaultsValue> objectForKey(std::string_view key) const override {
         const auto answer = healthy_.objectForKey(key);
-        for (const Value* const value :
+        for (const auto* const value :
              {&sustainedLoad_, &storage_, &storageThreshold_, &battery_, &batteryThreshold_})
             if (value->name() == key) return (*value)(answer);
         otherKeys.emplace_back(key);
@@ -187,10 +187,8 @@ class FaultyUserDefaults final : public UserDefaults {
     mutable std::vector<std::string> otherKeys;
 
  private:
-    using Value = FaultyOperation<std::optional<DefaultsValue>>;
+    using Value = Faulty<DefaultsValue>;
 
-    UserDefaults& healthy_;
-    Operations& all_;
     Value sustainedLoad_{all_, defaultskey::kSustainedLoadNotificationsEnabled, preferenceFaults()};
     Value storage_{all_, defaultskey::kStorageAlertEnabled, preferenceFaults()};
     Value storageThreshold_{all_, defaultskey::kStorageAlertThresholdGB, preferenceFaults()};
@@ -198,10 +196,9 @@ class FaultyUserDefaults final : public UserDefaults {
     Value batteryThreshold_{all_, defaultskey::kBatteryAlertThresholdPct, preferenceFaults()};
 };
 
-class FaultyUserNotificationCenter final : public UserNotificationCenter {
+class FaultyUserNotificationCenter final : public FaultyPort<UserNotificationCenter> {
  public:
-    FaultyUserNotificationCenter(UserNotificationCenter& healthy, Operations& all)
-        : healthy_(healthy), add_(all, "add", deliveryFaults()) {}
+    using FaultyPort::FaultyPort;
 
     void add(NotificationRequest request,
              std::function<void(std::optional<std::string> error)> completion) override {
@@ -220,32 +217,28 @@ class FaultyUserNotificationCenter final : public UserNotificationCenter {
     }
 
  private:
-    UserNotificationCenter& healthy_;
-    FaultyOperation<Delivery> add_;
+    FaultyOperation<Delivery> add_{
+        all_, "add", {{false, true, hugeText()}, {false, true, {}}, {false, false, {}}}};
 };
 
-class FaultyUUIDSource final : public UUIDSource {
+class FaultyUUIDSource final : public FaultyPort<UUIDSource> {
  public:
-    FaultyUUIDSource(UUIDSource& healthy, Operations& all)
-        : healthy_(healthy), next_(all, "UUIDSource::next", {UUID()}) {}
+    using FaultyPort::FaultyPort;
 
     UUID next() override { return next_(healthy_.next()); }
 
  private:
-    UUIDSource& healthy_;
-    FaultyOperation<UUID> next_;
+    FaultyOperation<UUID> next_{all_, "UUIDSource::next", {UUID()}};
 };
 
-class FaultyWallClock final : public WallClock {
+class FaultyWallClock final : public FaultyPort<WallClock> {
  public:
-    FaultyWallClock(WallClock& healthy, Operations& all)
-        : healthy_(healthy), now_(all, "WallClock::now", {WallInstant(), WallInstant::max()}) {}
+    using FaultyPort::FaultyPort;
 
     WallInstant now() const override { return now_(healthy_.now()); }
 
  private:
-    WallClock& healthy_;
-    FaultyOperation<WallInstant> now_;
+    FaultyOperation<WallInstant> now_{all_, "WallClock::now", {WallInstant(), WallInstant::max()}};
 };
 
 }  // namespace norvane

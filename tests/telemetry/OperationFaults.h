@@ -14,6 +14,11 @@
 // of any range.
 namespace norvane {
 
+// An operation's answers that may be none; each kind of fault begins with that.
+template <typename Answer>
+using Answers = std::vector<std::optional<Answer>>;
+using Services = std::vector<RegistryEntry>;
+
 inline constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 inline constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 inline constexpr std::uint64_t kAllOnes = std::numeric_limits<std::uint64_t>::max();
@@ -26,10 +31,7 @@ inline std::string hugeText() {
     return std::string(std::size_t{1} << 16, '\xFF');
 }
 
-inline std::vector<std::optional<HostCPULoadInfo>> loadFaults() {
-    return {std::nullopt, HostCPULoadInfo(), HostCPULoadInfo{UINT_MAX, UINT_MAX, UINT_MAX, UINT_MAX}};
-}
-inline std::vector<std::optional<ProcessorInfo>> processorFaults() {
+inline Answers<ProcessorInfo> processorFaults() {
     return {std::nullopt,
             ProcessorInfo(),
             ProcessorInfo{SIZE_MAX, {}},
@@ -38,21 +40,13 @@ inline std::vector<std::optional<ProcessorInfo>> processorFaults() {
             ProcessorInfo{8, {1, 2, 3}},
             ProcessorInfo{kMany, std::vector<std::int32_t>(4 * kMany, 1)}};
 }
-inline std::vector<std::optional<VMStatistics64>> memoryFaults() {
+inline Answers<VMStatistics64> memoryFaults() {
     return {std::nullopt, VMStatistics64(),
             VMStatistics64{kAllOnes, kAllOnes, kAllOnes, kAllOnes, kAllOnes, kAllOnes, kAllOnes}};
 }
-inline std::vector<std::optional<XswUsage>> swapFaults() {
-    return {std::nullopt, XswUsage(), XswUsage{kAllOnes, kAllOnes, kAllOnes}};
-}
-inline std::vector<std::optional<std::int64_t>> numberFaults() {
+inline Answers<std::int64_t> numberFaults() {
     return {std::nullopt, 0, -1, kMost, kLeast};
 }
-inline std::vector<std::optional<std::string>> textFaults() {
-    return {std::nullopt, std::string(), std::string("\0iMac", 5), hugeText() + "iMac"};
-}
-
-using Services = std::vector<RegistryEntry>;
 
 // What a property can be that should be a number.
 inline std::vector<PropertyValue> oddValues() {
@@ -70,19 +64,18 @@ inline Services serviceWith(const char* property, const std::vector<const char*>
     return {RegistryEntry({{property, allOf(names, value)}})};
 }
 // What every kind of service can answer.
-inline std::vector<std::optional<Services>> silentServices() {
+inline Answers<Services> silentServices() {
     return {std::nullopt, Services(), Services(kMany, RegistryEntry::unreadable()),
             Services(kMany, RegistryEntry(PropertyDictionary()))};
 }
-inline std::vector<std::optional<Services>> serviceFaults(const char* property,
-                                                          const std::vector<const char*>& names) {
+inline Answers<Services> serviceFaults(const char* property, const std::vector<const char*>& names) {
     auto faults = silentServices();
     faults.push_back(Services{RegistryEntry({{property, hugeText()}})});
     for (const PropertyValue& value : oddValues())
         faults.push_back(serviceWith(property, names, value));
     return faults;
 }
-inline std::vector<std::optional<Services>> batteryFaults() {
+inline Answers<Services> batteryFaults() {
     auto faults = silentServices();
     for (const PropertyValue& value : oddValues()) {
         faults.push_back(Services{RegistryEntry(
@@ -92,31 +85,26 @@ inline std::vector<std::optional<Services>> batteryFaults() {
     }
     return faults;
 }
-inline std::vector<std::optional<std::vector<PowerSourceDescription>>> powerSourceFaults() {
+inline Answers<std::vector<PowerSourceDescription>> powerSourceFaults() {
     using Sources = std::vector<PowerSourceDescription>;
-    std::vector<std::optional<Sources>> faults{std::nullopt, Sources(), Sources(kMany, std::nullopt)};
+    Answers<Sources> faults{std::nullopt, Sources(), Sources(kMany, std::nullopt)};
     for (const PropertyValue& value : oddValues()) {
         faults.push_back(Sources{
             allOf({"Is Charged", "Time to Empty", "Time to Full Charge", "BatteryHealthCondition"}, value)});
     }
     return faults;
 }
-inline std::vector<std::optional<std::vector<VolumeURL>>> volumeFaults() {
+inline Answers<std::vector<VolumeURL>> volumeFaults() {
     using URLs = std::vector<VolumeURL>;
     const auto root = [](std::optional<std::int64_t> total, std::int64_t available) {
-        return VolumeURL("/", VolumeResourceValues{hugeText(), total, available, {}, true, {}});
+        return URLs{{"/", VolumeResourceValues{hugeText(), total, available, {}, true, {}}}};
     };
-    return {std::nullopt,
-            URLs(),
-            URLs(kMany, {"/", std::nullopt}),
-            URLs{root({}, 9)},
-            URLs{root(0, 0)},
-            URLs{root(-1, -1)},
-            URLs{root(kMost, kMost)},
-            URLs{root(kMost, -1)}};
+    return {std::nullopt,       URLs(),         URLs(kMany, {"/", std::nullopt}),
+            root({}, 9),        root(0, 0),     root(-1, -1),
+            root(kMost, kMost), root(kMost, -1)};
 }
 
-inline std::vector<std::optional<DefaultsValue>> preferenceFaults() {
+inline Answers<DefaultsValue> preferenceFaults() {
     return {std::nullopt, "perhaps", hugeText(), 0.0, -1.0, 0x1p63, kNaN, -kInfinity};
 }
 
@@ -126,8 +114,5 @@ struct Delivery {
     bool isCompleted = false;
     std::optional<std::string> error{};
 };
-inline std::vector<Delivery> deliveryFaults() {
-    return {{false, true, hugeText()}, {false, true, {}}, {false, false, {}}};
-}
 
 }  // namespace norvane

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -15,69 +15,48 @@ using namespace std::chrono_literals;
 
 class PerformanceSamplerTest : public testing::Test {
  protected:
-    // How often each source has been asked.
-    using Reads = std::map<std::string, std::uint64_t>;
-
-    ScriptedAnswer<ScriptedRegistry::Services>& services(RegistryService kind) {
-        return machine_.registry.services(kind);
+    // How many ticks there were, and how many of them were due to read what only some read.
+    struct Due {
+        std::uint64_t ticks, full, third, thirtieth, battery;
+    };
+    // A full tick reads the memory twice, and the swap in use with the first of them only. A refresh of the
+    // battery looks for it twice. What is slow is announced with the tick.
+    void expectReads(const Due& due) {
+        const auto services = [this](RegistryService kind) {
+            return machine_.registry.services(kind).asked();
+        };
+        const auto announced = [this](bool TickReads::*slow) -> std::uint64_t {
+            const auto& tokens = machine_.hostPort.tokens;
+            return static_cast<std::uint64_t>(
+                std::count_if(tokens.begin(), tokens.end(), [&](auto tick) { return tick.reads.*slow; }));
+        };
+        ScriptedHostPort& host = machine_.hostPort;
+        ScriptedSysctl& sysctl = machine_.sysctl;
+        struct Source {
+            const char* name;
+            std::uint64_t asked, want;
+        };
+        for (const Source& source :
+             {Source{"CPU", host.statistics.asked(), due.ticks},
+              Source{"memory", host.statistics64.asked(), due.ticks + due.full},
+              Source{"swap counters", host.swapCountersAsked, due.full},
+              Source{"swap", sysctl.swapUsage.asked(), due.ticks},
+              Source{"cores", host.processorInfo.asked(), due.full},
+              Source{"uptime", machine_.processInfo.uptime.asked(), due.full},
+              Source{"accelerators", services(RegistryService::IOAccelerator), due.third},
+              Source{"accelerators announced", announced(&TickReads::accelerators), due.third},
+              Source{"drives", services(RegistryService::IOBlockStorageDriver), due.third},
+              Source{"batteries", services(RegistryService::AppleSmartBattery), 2 * due.battery},
+              Source{"batteries announced", announced(&TickReads::battery), due.battery},
+              Source{"volumes", machine_.fileManager.volumes.asked(), due.thirtieth},
+              Source{"volumes announced", announced(&TickReads::volumes), due.thirtieth}})
+            EXPECT_EQ(source.asked, source.want) << source.name << " after " << due.ticks << " ticks";
     }
-    Reads reads() {
-        return {
-            {"CPU", ticks()},
-            {"memory", machine_.hostPort.statistics64.asked()},
-            {"swap counters", machine_.hostPort.swapCountersAsked},
-            {"swap", machine_.sysctl.swapUsage.asked()},
-            {"pressure", machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).asked()},
-            {"thermal", machine_.processInfo.thermal.asked()},
-            {"cores", machine_.hostPort.processorInfo.asked()},
-            {"uptime", machine_.processInfo.uptime.asked()},
-            {"accelerators", services(RegistryService::IOAccelerator).asked()},
-            {"drives", services(RegistryService::IOBlockStorageDriver).asked()},
-            {"batteries", services(RegistryService::AppleSmartBattery).asked()},
-            {"power sources", machine_.powerSources.sources.asked()},
-            {"volumes", machine_.fileManager.volumes.asked()}};
-    }
-    // What the cadence makes of so many ticks, of which so many were full and so many slow: a full tick reads
-    // the memory twice, and the swap in use with the first of them only. A refresh of the battery matches its
-    // service and asks for the power sources twice.
-    static Reads readsOf(std::uint64_t ticks, std::uint64_t full, std::uint64_t slow,
-                         std::uint64_t batteries) {
-        return {{"CPU", ticks},
-                {"memory", ticks + full},
-                {"swap counters", full},
-                {"swap", ticks},
-                {"pressure", ticks},
-                {"thermal", ticks},
-                {"cores", full},
-                {"uptime", full},
-                {"accelerators", slow},
-                {"drives", slow},
-                {"batteries", 2 * batteries},
-                {"power sources", 2 * batteries},
-                {"volumes", slow}};
-    }
-    // Every slow source looks whether the tick announced that it would be asked.
-    void SetUp() override {
-        machine_.registry.services(RegistryService::IOAccelerator).from([this] {
-            EXPECT_TRUE(machine_.registry.lastTick.reads.accelerators);
-            return std::nullopt;
-        });
-        machine_.registry.services(RegistryService::AppleSmartBattery).from([this] {
-            EXPECT_TRUE(machine_.registry.lastTick.reads.battery);
-            return ScriptedRegistry::Services({RegistryEntry(PropertyDictionary())});
-        });
-        // The others do not keep their tokens; a tick's first question does.
-        machine_.powerSources.sources.from([this] {
-            EXPECT_TRUE(machine_.hostPort.tokens.back().reads.battery);
-            return std::nullopt;
-        });
-        machine_.fileManager.volumes.from([this] {
-            EXPECT_TRUE(machine_.hostPort.tokens.back().reads.volumes);
-            return std::nullopt;
-        });
+    void setVisible(bool isVisible) {
+        sampler_->setUIVisible(isVisible);
+        machine_.settle();
     }
     std::uint64_t ticks() { return machine_.hostPort.statistics.asked(); }
-    ScriptedLoop::Queue& queue() { return *machine_.dispatch.serialLoopQueue("Norvane.sampler"); }
 
     ScriptedMachine machine_;
     PreferencesStore preferences_{machine_.userDefaults};
@@ -85,125 +64,63 @@ class PerformanceSamplerTest : public testing::Test {
         PerformanceSampler::create(machine_.platform(), preferences_);
 };
 
-TEST_F(PerformanceSamplerTest, BeginsWithNothingPublished) {
-    EXPECT_EQ(sampler_->snapshot().get(), nullptr);
-    EXPECT_TRUE(sampler_->volumes().get()->empty());
-    EXPECT_TRUE(sampler_->cpuHistory().get()->empty());
-    EXPECT_EQ(sampler_->systemState().get(), ComponentState::normal);
-    EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{0, 0, 1.0}));
-    EXPECT_FALSE(sampler_->isUIVisible().get());
-    machine_.advance(1min);
-    EXPECT_EQ(ticks(), 0U) << "nothing is read before the start";
-}
-
-TEST_F(PerformanceSamplerTest, HiddenRunsTheLightHalfOnceASecond) {
+TEST_F(PerformanceSamplerTest, HiddenRunsTheLightHalfOnceASecondAndOnlyAnOpeningForcesEverything) {
     machine_.hostPort.processors.setLoad(25);
+    machine_.advance(1min);
+    expectReads({0, 0, 0, 0, 0});
     sampler_->start();
     machine_.settle();
-    EXPECT_EQ(ticks(), 1U) << "the first tick comes at once";
     EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{0, 4, 16})) << "a share needs two readings";
     machine_.advance(59s);
-    EXPECT_EQ(reads(), readsOf(60, 0, 0, 2));
+    expectReads({60, 0, 0, 0, 2});
     EXPECT_EQ(sampler_->menuBarStats().get(), (MenuBarStats{25, 4, 16}));
     EXPECT_EQ(sampler_->snapshot().get(), nullptr);
-    EXPECT_TRUE(sampler_->cpuHistory().get()->empty());
-}
 
-TEST_F(PerformanceSamplerTest, OpeningTicksAtOnceAndShowsAMovedTotal) {
-    sampler_->start();
-    machine_.advance(10s);
     machine_.hostPort.processors.setLoad(50);
     machine_.advance(100ms);
+    setVisible(true);
+    expectReads({61, 1, 1, 1, 3});
+    EXPECT_EQ(sampler_->snapshot().get()->cpuUsagePercent, 50) << "of the last tenth of a second";
+    setVisible(true);
+    expectReads({62, 2, 1, 1, 3});
+    setVisible(false);
+    expectReads({62, 2, 1, 1, 3});
+
+    // Shown and hidden again before the queue comes to it: a full tick all the same, and then light ones, of
+    // which thirty that were missed are one.
+    ScriptedLoop::Queue& queue = *machine_.dispatch.serialLoopQueue("Norvane.sampler");
+    queue.hold();
     sampler_->setUIVisible(true);
+    sampler_->setUIVisible(false);
+    machine_.advance(30s);
+    queue.letGo();
     machine_.settle();
-    EXPECT_EQ(ticks(), 12U);
-    ASSERT_NE(sampler_->snapshot().get(), nullptr);
-    EXPECT_EQ(sampler_->snapshot().get()->cpuUsagePercent, 50);
+    expectReads({64, 3, 2, 2, 4});
+    setVisible(true);
+    machine_.advance(26s);  // to the 91st
+    expectReads({91, 30, 12, 4, 14});
     for (std::size_t i = 0; i < machine_.hostPort.tokens.size(); ++i)
         EXPECT_EQ(machine_.hostPort.tokens[i].value, i + 1) << "each tick reads anew";
 }
 
-TEST_F(PerformanceSamplerTest, OnlyAChangeToVisibleForcesAndHidingTicksNothing) {
-    sampler_->setUIVisible(true);
-    machine_.settle();
-    EXPECT_EQ(reads(), readsOf(1, 1, 1, 1))
-        << "the battery once, though the first tick and the forced one want it";
-    sampler_->setUIVisible(true);
-    machine_.settle();
-    EXPECT_EQ(reads(), readsOf(2, 2, 1, 1));
-    sampler_->setUIVisible(false);
-    machine_.settle();
-    EXPECT_EQ(reads(), readsOf(2, 2, 1, 1));
-
-    // Shown and hidden again before the queue comes to it: the forced tick is a full one all the same, and
-    // the next timer tick a light one.
-    queue().hold();
+TEST_F(PerformanceSamplerTest, HistoryKeepsSixtyPointsOfThePublishedOne) {
     sampler_->start();
-    sampler_->setUIVisible(true);
-    sampler_->setUIVisible(false);
-    machine_.settle();
-    queue().letGo();
-    machine_.settle();
-    EXPECT_EQ(reads(), readsOf(4, 3, 2, 2));
-    machine_.advance(1s);
-    EXPECT_EQ(reads(), readsOf(5, 3, 2, 2));
-}
-
-TEST_F(PerformanceSamplerTest, ASnapshotHasNeutralValuesForWhatFailed) {
-    machine_.hostPort.statistics.always(std::nullopt);
-    machine_.hostPort.statistics64.always(std::nullopt);
-    machine_.hostPort.processorInfo.always(std::nullopt);
-    machine_.sysctl.swapUsage.always(std::nullopt);
-    machine_.sysctl.number(SysctlNumber::kern_memorystatus_vm_pressure_level).always(std::nullopt);
-    machine_.processInfo.thermal.always(17);
-    machine_.processInfo.uptime.always(-1);
-    sampler_->setUIVisible(true);
-    machine_.settle();
-    const auto snapshot = sampler_->snapshot().get();
-    ASSERT_NE(snapshot, nullptr);
-    EXPECT_EQ(snapshot->cpuUsagePercent, 0);
-    EXPECT_EQ(snapshot->cpuSustained, 0);
-    EXPECT_TRUE(snapshot->performanceCoreUsages.empty());
-    EXPECT_EQ(snapshot->usedMemoryGB, 0);
-    EXPECT_EQ(snapshot->totalMemoryGB, 16);
-    EXPECT_EQ(snapshot->memoryPressure, 1);
-    EXPECT_EQ(snapshot->thermalLevel, ThermalLevel::nominal);
-    EXPECT_EQ(snapshot->uptime, 0);
-    EXPECT_EQ(snapshot->timestamp, machine_.time.wall());
-    EXPECT_EQ(snapshot->energyImpact, ImpactState::low);
-}
-
-TEST_F(PerformanceSamplerTest, HistoryKeepsSixtyPointsAndGainsNothingWhileHidden) {
-    sampler_->start();
-    sampler_->setUIVisible(true);
-    machine_.advance(30s);
-    const auto young = sampler_->cpuHistory().get();
-    EXPECT_EQ(young->size(), 32U);
-    sampler_->setUIVisible(false);
-    machine_.advance(1min);
-    EXPECT_EQ(sampler_->cpuHistory().get(), young);
-    sampler_->setUIVisible(true);
-    machine_.hostPort.processors.setLoad(0, 100);
-    machine_.advance(100s);
-    const auto full = sampler_->cpuHistory().get();
-    ASSERT_EQ(full->size(), 60U);
-    EXPECT_EQ(full->back(), (CPUHistoryPoint{.performance = 25, .efficiency = 0, .total = 25}));
-    machine_.advance(1s);
-    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 60U);
-    EXPECT_EQ(sampler_->cpuHistory().get()->front(), (*full)[1]) << "the oldest has gone";
-}
-
-TEST_F(PerformanceSamplerTest, ATickThatOvertakesThePublicationBuildsOnTheOlderHistory) {
-    sampler_->start();
-    sampler_->setUIVisible(true);
+    setVisible(true);
     machine_.advance(9s);
-    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 11U);
+    const auto young = sampler_->cpuHistory().get();
+    EXPECT_EQ(young->size(), 11U);
     machine_.dispatch.mainLoopQueue().hold();
     machine_.advance(3s);
-    EXPECT_EQ(sampler_->cpuHistory().get()->size(), 11U) << "published values wait for the main thread";
+    EXPECT_EQ(sampler_->cpuHistory().get(), young) << "published values wait for the main thread";
     machine_.dispatch.mainLoopQueue().letGo();
     machine_.settle();
     EXPECT_EQ(sampler_->cpuHistory().get()->size(), 12U) << "each of the three built on the same";
+    machine_.advance(100s);
+    machine_.hostPort.processors.setLoad(0, 100);
+    machine_.advance(1s);
+    const auto full = sampler_->cpuHistory().get();
+    EXPECT_EQ(full->size(), 60U);
+    EXPECT_EQ(full->back(), (CPUHistoryPoint{.performance = 25, .efficiency = 0, .total = 25}));
 }
 
 TEST_F(PerformanceSamplerTest, PublishesTheStateBeforeTheStatsAndTheSnapshotAfterBoth) {
@@ -213,55 +130,60 @@ TEST_F(PerformanceSamplerTest, PublishesTheStateBeforeTheStatsAndTheSnapshotAfte
     const auto snapshot = sampler_->snapshot().observe([&](const auto&) { order += 'S'; });
     const auto volumes = sampler_->volumes().observe([&](const auto&) { order += 'V'; });
     const auto history = sampler_->cpuHistory().observe([&](const auto&) { order += 'H'; });
-    sampler_->setUIVisible(true);
-    machine_.settle();
+    setVisible(true);
     EXPECT_EQ(order, "smSVH");
 }
 
-TEST_F(PerformanceSamplerTest, StopPausesAndStartGoesOn) {
+TEST_F(PerformanceSamplerTest, AlertsGoByWhatIsPublishedAndNotByWhatIsOnItsWayAndNoneWhileHidden) {
+    const auto setBattery = [this](int percentage) {
+        machine_.registry.services(RegistryService::AppleSmartBattery)
+            .always({{RegistryEntry({{"CurrentCapacity", percentage}, {"MaxCapacity", 100}})}});
+    };
+    const auto& told = machine_.userNotificationCenter.added;
+    preferences_.setBatteryAlertEnabled(true);
+    setBattery(5);
     sampler_->start();
-    sampler_->setUIVisible(true);
+    machine_.advance(1h);
+    setVisible(true);
+    EXPECT_EQ(told.size(), 0U) << "nothing published to examine";
+    setBattery(90);
+    setVisible(false);
+    machine_.advance(1h);
+    EXPECT_EQ(told.size(), 0U);
+    setVisible(true);
+    EXPECT_EQ(told.size(), 1U) << "of what was on screen at the closing";
+    machine_.suspend(24h);
+    machine_.dispatch.mainLoopQueue().hold();
+    setBattery(5);
     machine_.advance(10s);
-    sampler_->stop();
-    machine_.advance(10s);
-    const auto history = sampler_->cpuHistory().get();
-    EXPECT_EQ(ticks(), 12U);
-    sampler_->start();
-    machine_.settle();
-    EXPECT_EQ(sampler_->cpuHistory().get()->size(), history->size() + 1);
-    sampler_->start();  // anew, not twice
-    machine_.advance(10s);
-    EXPECT_EQ(ticks(), 24U);
+    EXPECT_EQ(told.size(), 1U);
+    machine_.dispatch.mainLoopQueue().letGo();
+    machine_.advance(1s);
+    EXPECT_EQ(told.size(), 2U);
 }
 
-TEST_F(PerformanceSamplerTest, ASuspendAndASteppedClockCostNoTicksAndAddNone) {
+TEST_F(PerformanceSamplerTest, TicksOnAfterStopSuspendAndSteppedClocksAndEndsWithTasksOnTheirWay) {
     sampler_->start();
     machine_.advance(10s);
-    EXPECT_EQ(ticks(), 11U);
     machine_.suspend(8h);
     EXPECT_EQ(ticks(), 11U) << "no burst after waking";
-    machine_.advance(1s);
-    EXPECT_EQ(ticks(), 12U);
     machine_.time.stepWallClock(-24h);
     machine_.advance(10s);
-    EXPECT_EQ(ticks(), 22U);
-    queue().hold();  // the process is stopped for a while
-    machine_.advance(30s);
-    queue().letGo();
-    machine_.settle();
-    EXPECT_EQ(ticks(), 23U) << "thirty missed firings are one tick";
-}
-
-TEST_F(PerformanceSamplerTest, EndsWithTasksOnTheirWay) {
+    EXPECT_EQ(ticks(), 21U);
+    sampler_->stop();
+    machine_.advance(10s);
+    EXPECT_EQ(ticks(), 21U);
     sampler_->start();
-    sampler_->setUIVisible(true);
+    sampler_->start();  // anew, not twice
+    machine_.advance(10s);
+    EXPECT_EQ(ticks(), 32U);
     machine_.dispatch.mainLoopQueue().hold();
+    setVisible(true);
     machine_.advance(3s);
     sampler_.reset();
     machine_.dispatch.mainLoopQueue().letGo();
-    const auto asked = ticks();
     machine_.advance(1min);
-    EXPECT_EQ(ticks(), asked);
+    EXPECT_EQ(ticks(), 36U);
 }
 
 }  // namespace

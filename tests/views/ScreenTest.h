@@ -8,11 +8,12 @@
 #include <string>
 
 #include "platform/scripted/ScriptedMachine.h"
-#include "views/Animation.h"
 #include "views/HostedView.h"
-#include "views/LaidOut.h"
 
 namespace norvane {
+
+// Text of ten points: a character is 6 points wide, a line 12.5 high.
+inline constexpr TextStyle kTen{.font = {.size = 10}};
 
 // One screen in virtual time, as a surface shows it: a test says what its body is, lets time pass and looks.
 class ScreenTest : public testing::Test {
@@ -24,8 +25,11 @@ class ScreenTest : public testing::Test {
         view_.appear();
         paint();
     }
-    // The picture of this moment, at the size that it likes or in the given one.
-    const DisplayList& paint();
+    // The picture of this moment, at the size that it likes or in the given room.
+    void paint(std::optional<Size> room = {}) {
+        const Size liked = view_.fittingSize(most_);
+        picture_ = view_.displayList(room.value_or(liked), machine_.time.monotonic());
+    }
     void advance(std::chrono::nanoseconds by) { machine_.advance(by); }
     void paintAfter(std::chrono::nanoseconds by) {
         advance(by);
@@ -36,27 +40,39 @@ class ScreenTest : public testing::Test {
         view_.change(changes);
         paint();
     }
+    // The same, animated, so that the movement has begun.
+    void animate(const Animation& animation, const std::function<void()>& changes) {
+        view_.animate(animation, changes);
+        paint();
+    }
 
-    // The item of this picture that the text, symbol or filled colour is; none where it is not in it. It is
-    // looked for in groups as well.
-    const DisplayItem* textItem(const std::string& text) const;
-    // The frame of that text; a failure where there is none.
-    Rect frameOf(const std::string& text) const;
-    bool shows(const std::string& text) const { return textItem(text) != nullptr; }
-    // How opaque that text is with all groups around it; 0 where it is not shown.
-    double opacityOf(const std::string& text) const;
+    // A text of the picture, and how opaque it is with all groups around it; 0 where it is not shown.
+    struct Shown {
+        DrawText text;
+        double opacity = 0;
+    };
+    Shown shown(const std::string& text) const { return find(picture_.items, text, 1).value_or(Shown{}); }
+    bool shows(const std::string& text) const { return !shown(text).text.text.empty(); }
+    Rect frameOf(const std::string& text) const {
+        EXPECT_TRUE(shows(text)) << "no \"" << text << "\" in\n" << printed(picture_);
+        return shown(text).text.frame;
+    }
 
     // The node of that name, or of that text, in the tree; none where there is none.
-    std::optional<AccessibleNode> accessible(const std::string& name);
-    bool perform(const std::string& name, const std::string& action = "press");
+    std::optional<AccessibleNode> accessible(const std::string& name) {
+        return find(view_.accessibleTree(), name);
+    }
+    bool perform(const std::string& name, const std::string& action = "press") {
+        const auto node = accessible(name);
+        return node && view_.perform(node->key, action);
+    }
 
     void point(PointerEvent::Kind kind, Point at = {}) { view_.pointer({kind, at}); }
     void click(Point at) {
-        point(PointerEvent::Kind::move, at);
-        point(PointerEvent::Kind::press, at);
-        point(PointerEvent::Kind::release, at);
+        using Kind = PointerEvent::Kind;
+        for (const Kind kind : {Kind::move, Kind::press, Kind::release})
+            point(kind, at);
     }
-    void clickOn(const std::string& text);
     bool key(KeyEvent::Key key) { return view_.key({key}); }
 
     ScriptedMachine machine_;
@@ -68,6 +84,26 @@ class ScreenTest : public testing::Test {
                          return body();
                      },
                      machine_.platform()};
+
+ private:
+    static std::optional<Shown> find(const std::vector<DisplayItem>& items, const std::string& text,
+                                     double opacity) {
+        for (const DisplayItem* item : flatItems(items)) {
+            const auto* shown = std::get_if<DrawText>(&item->command);
+            if (shown != nullptr && shown->text == text) return Shown{*shown, opacity * shown->color.alpha};
+            const auto* group = std::get_if<DrawGroup>(&item->command);
+            if (group == nullptr) continue;
+            if (auto found = find(group->items, text, opacity * group->opacity)) return found;
+        }
+        return {};
+    }
+    static std::optional<AccessibleNode> find(const AccessibleNode& node, const std::string& name) {
+        if (node.name == name) return node;
+        for (const AccessibleNode& child : node.children) {
+            if (auto found = find(child, name)) return found;
+        }
+        return {};
+    }
 };
 
 }  // namespace norvane

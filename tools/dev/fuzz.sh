@@ -25,9 +25,8 @@ cmd_fuzz() { # [--seconds N] [TARGET...]
         seconds=$2
         shift 2
     fi
-    for target in tests/fuzz/*Fuzzer.cpp; do
-        target=${target##*/}
-        known+=("${target%Fuzzer.cpp}")
+    for target in tests/fuzz/seeds/*; do
+        known+=("${target##*/}")
     done
     (($#)) || set -- "${known[@]}"
     for target in "$@"; do
