@@ -3,14 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "linux/RunLoop.h"
+#include "platform/linux/WellKnownNames.h"
 
 namespace norvane {
-namespace {
-
-constexpr const char* kBus = "org.freedesktop.DBus";
-constexpr const char* kBusPath = "/org/freedesktop/DBus";
-
-}  // namespace
 
 BusPeer::BusPeer(const std::string& address) {
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
@@ -31,16 +26,12 @@ GVariantPointer BusPeer::call(const char* name, const char* path, const char* in
                                                        nullptr));
 }
 
-void BusPeer::requestName(const char* name) const {
-    EXPECT_TRUE(call(kBus, kBusPath, kBus, "RequestName", g_variant_new("(su)", name, 0)));
-}
-
-void BusPeer::releaseName(const char* name) const {
-    EXPECT_TRUE(call(kBus, kBusPath, kBus, "ReleaseName", g_variant_new("(s)", name)));
+GVariantPointer BusPeer::askBus(const char* method, GVariant* parameters) const {
+    return call(kBusDriver, kBusDriverPath, kBusDriver, method, parameters);
 }
 
 bool BusPeer::hasOwner(const char* name) const {
-    const auto answer = call(kBus, kBusPath, kBus, "NameHasOwner", g_variant_new("(s)", name));
+    const auto answer = askBus("NameHasOwner", g_variant_new("(s)", name));
     gboolean isOwned = FALSE;
     if (answer) g_variant_get(answer.get(), "(b)", &isOwned);
     return isOwned != FALSE;

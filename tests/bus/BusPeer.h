@@ -20,8 +20,7 @@ class BusPeer {
     // Null where the answer is an error.
     GVariantPointer call(const char* name, const char* path, const char* interface, const char* method,
                          GVariant* parameters = nullptr) const;
-    void requestName(const char* name) const;
-    void releaseName(const char* name) const;
+    GVariantPointer askBus(const char* method, GVariant* parameters) const;
     bool hasOwner(const char* name) const;
     // Whether it comes to have one, or to have none.
     bool comesToHaveOwner(const char* name, bool hasOwner = true) const;

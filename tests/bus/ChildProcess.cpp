@@ -32,7 +32,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const Enviro
 }
 
 ChildProcess::~ChildProcess() {
-    kill();
+    end(SIGKILL);
     if (output_ >= 0) close(output_);
 }
 
@@ -46,10 +46,6 @@ std::optional<std::string> ChildProcess::firstLine() {
         line += byte;
     }
     return std::nullopt;
-}
-
-void ChildProcess::kill() {
-    end(SIGKILL);
 }
 
 void ChildProcess::terminate() {

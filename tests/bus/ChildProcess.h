@@ -21,8 +21,6 @@ class ChildProcess {
 
     // The first line that it prints; none if it does not.
     std::optional<std::string> firstLine();
-    // Ends it without a warning to anybody.
-    void kill();
     // Asks it to end, and waits until it has: it may have others to end.
     void terminate();
 

@@ -4,7 +4,6 @@
 #include <thread>
 
 #include "BusTest.h"
-#include "PlayedService.h"
 
 namespace norvane {
 namespace {
@@ -12,28 +11,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kName = "org.freedesktop.Notifications";
+constexpr auto kAuthorized = NotificationAuthorization::authorized;
 
-// A server that takes everything, and markup too if it says so.
-class Server {
- public:
-    explicit Server(const PrivateBus& bus, bool takesMarkup = false)
-        : service(bus, kName, [this](const auto& call) { return answers[call.method]; }) {
-        answers["GetCapabilities"].values = takesMarkup ? "(['body', 'body-markup'],)" : "(['actions'],)";
-        answers["GetServerInformation"].values = "('a', 'b', 'c', 'd')";
-        answers["Notify"].values = "(uint32 7,)";
-    }
-    bool hasShown(const std::string& text) const {
-        const auto calls = service.argumentsOf("Notify");
-        return !calls.empty() && calls.back().find(text) != std::string::npos;
-    }
-
-    std::map<std::string, PlayedService::Answer> answers;
-    PlayedService service;
-};
-
-NotificationRequest request(const std::string& title, const std::string& body) {
-    return {"id", {title, body, NotificationSound::none}, 0ns};
-}
+using Answers = std::map<std::string, PlayedService::Answer>;
 
 class NotificationCenterTest : public BusTest {
  protected:
@@ -44,187 +24,108 @@ class NotificationCenterTest : public BusTest {
         connection = std::make_unique<BusConnection>(queue, address, kAtOnce);
         center = std::make_unique<LinuxUserNotificationCenter>(queue, *connection, limits);
     }
-
-    // The error of a notification, "" if it was delivered; "never" if nothing comes.
-    std::string delivered(const NotificationRequest& notification) {
-        std::string told = "never";
-        int completions = 0;
-        center->add(notification, [&](const std::optional<std::string>& error) {
-            EXPECT_NE(error, "");
-            told = error.value_or("");
-            ++completions;
+    std::unique_ptr<PlayedService> serve(const Answers& answers) {
+        return std::make_unique<PlayedService>(bus, kName, [answers](const PlayedService::Call& call) {
+            const auto found = answers.find(call.method);
+            return found != answers.end() ? found->second : PlayedService::Answer();
         });
-        EXPECT_EQ(completions, 0) << "not before the main loop turns";
-        EXPECT_TRUE(runUntil([&] { return completions > 0; }));
-        EXPECT_EQ(completions, 1);
-        return told;
     }
-    std::optional<bool> granted() {
-        std::optional<bool> answer;
-        center->requestAuthorization([&](bool isGranted) { answer = isGranted; });
-        runUntil([&] { return answer.has_value(); });
-        return answer;
-    }
-    std::optional<NotificationAuthorization> status() {
-        std::optional<NotificationAuthorization> answer;
-        center->authorizationStatus([&](NotificationAuthorization status) { answer = status; });
-        runUntil([&] { return answer.has_value(); });
-        return answer;
-    }
-    void expectNobody(const std::string& error) {
-        EXPECT_EQ(delivered(request("title", "body")), error);
-        EXPECT_EQ(granted(), false);
-        EXPECT_EQ(status(), NotificationAuthorization::notDetermined);
+    // Asks for delivery, leave and status on another thread. What comes of each, as "error, granted, known".
+    std::string outcomes(const std::string& body = "body") {
+        std::string error, leave, known;
+        std::thread([&] {
+            center->add({"id", {"title", body, NotificationSound::none}, 0ns},
+                        [&](const auto& told) { error += told.value_or("delivered"); });
+            center->requestAuthorization([&](bool isYes) { leave += isYes ? ", granted" : ", denied"; });
+            center->authorizationStatus([&](auto is) { known += is == kAuthorized ? ", known" : ", -"; });
+        }).join();
+        EXPECT_EQ(error + leave + known, "") << "not before the main loop turns";
+        EXPECT_TRUE(runUntil([&] { return !error.empty() && !leave.empty() && !known.empty(); }));
+        return error + leave + known;
     }
 
     std::unique_ptr<BusConnection> connection;
     std::unique_ptr<LinuxUserNotificationCenter> center;
 };
 
-TEST_F(NotificationCenterTest, SaysWhatTheServerIsToShow) {
-    const Server server(bus, true);
-    EXPECT_EQ(delivered(request("CPU & <co>", "a < b & c > \"d\"")), "");
-    NotificationRequest loud = request("Akku schwach \xE2\x9A\xA1", "");
-    loud.content.sound = NotificationSound::defaultSound;
-    EXPECT_EQ(delivered(loud), "");
-    EXPECT_EQ(delivered(request("broken \xFF", "by\xC3")), "") << "not valid, but shown";
-    EXPECT_EQ(
-        server.service.argumentsOf("Notify"),
-        (std::vector<std::string>{
-            "('Norvane', 0, 'norvane', 'CPU & <co>', 'a &lt; b &amp; c &gt; \"d\"', [], "
-            "{'desktop-entry': <'norvane'>, 'urgency': <byte 0x01>}, -1)",
-            "('Norvane', 0, 'norvane', 'Akku schwach \xE2\x9A\xA1', '', [], "
-            "{'desktop-entry': <'norvane'>, 'urgency': <byte 0x01>, 'sound-name': <'message-new-instant'>}, "
-            "-1)",
-            "('Norvane', 0, 'norvane', 'broken \xEF\xBF\xBD', 'by\xEF\xBF\xBD', [], "
-            "{'desktop-entry': <'norvane'>, 'urgency': <byte 0x01>}, -1)"}));
-}
-
-TEST_F(NotificationCenterTest, EscapesTheBodyForServersThatTakeMarkupAndAsksEachServerOnce) {
+TEST_F(NotificationCenterTest, AsksEachServerOnceWhetherItTakesMarkupAndSaysWhatItIsToShow) {
+    EXPECT_EQ(outcomes(),
+              "The name org.freedesktop.Notifications was not provided by any .service files"
+              ", denied, -");
     for (const bool takesMarkup : {false, true, false}) {
-        const Server server(bus, takesMarkup);
+        const auto server =
+            serve({{"GetCapabilities", {takesMarkup ? "(['body-markup'],)" : "(['actions'],)"}},
+                   {"Notify", {"(uint32 7,)"}}});
+        center->add({"id", {}, 1h}, [](const auto&) { ADD_FAILURE() << "it is not time"; });
         int completions = 0;
-        for (int count = 0; count < 5; ++count) {
-            center->add(request("together", ""), [&](const std::optional<std::string>& error) {
-                EXPECT_FALSE(error);
-                ++completions;
-            });
-        }
+        const auto before = std::chrono::steady_clock::now();
+        for (int count = 0; count < 5; ++count)
+            center->add({"id", {"Akku \xE2\x9A\xA1", "", NotificationSound::defaultSound}, 20ms},
+                        [&](const auto& error) { completions += error ? 0 : 1; });
         EXPECT_TRUE(runUntil([&] { return completions == 5; }));
-        EXPECT_EQ(delivered(request("two", "1 < 2")), "");
-        EXPECT_EQ(server.service.count("GetCapabilities"), 1);
-        EXPECT_EQ(server.service.count("Notify"), 6);
-        EXPECT_TRUE(server.hasShown(takesMarkup ? "'1 &lt; 2'" : "'1 < 2'"));
-    }
-}
-
-TEST_F(NotificationCenterTest, MayBeAskedOnAnyThread) {
-    const Server server(bus);
-    int completions = 0;
-    std::thread other([&] {
-        center->add(request("title", "body"), [&](const std::optional<std::string>& error) {
-            EXPECT_FALSE(error);
-            ++completions;
-        });
-        center->requestAuthorization([&](bool isGranted) {
-            EXPECT_TRUE(isGranted);
-            ++completions;
-        });
-        center->authorizationStatus([&](NotificationAuthorization status) {
-            EXPECT_EQ(status, NotificationAuthorization::authorized);
-            ++completions;
-        });
-    });
-    other.join();
-    EXPECT_TRUE(runUntil([&] { return completions == 3; }));
-}
-
-TEST_F(NotificationCenterTest, ShowsNothingBeforeItsTime) {
-    const Server server(bus);
-    NotificationRequest late = request("late", "");
-    late.timeInterval = 1h;
-    center->add(late, [](const std::optional<std::string>&) { ADD_FAILURE(); });
-    NotificationRequest soon = request("soon", "");
-    soon.timeInterval = 20ms;
-    const auto before = std::chrono::steady_clock::now();
-    EXPECT_EQ(delivered(soon), "");
-    EXPECT_GE(std::chrono::steady_clock::now() - before, 20ms);
-    EXPECT_EQ(server.service.count("Notify"), 1);
-}
-
-TEST_F(NotificationCenterTest, SaysThatThereIsNoServerOrNoBusAndOutlivesThem) {
-    expectNobody("The name org.freedesktop.Notifications was not provided by any .service files");
-    {
-        const Server server(bus);
-        EXPECT_EQ(delivered(request("title", "body")), "") << "now there is one";
-        EXPECT_EQ(granted(), true);
-        EXPECT_EQ(status(), NotificationAuthorization::authorized);
+        EXPECT_GE(std::chrono::steady_clock::now() - before, 20ms);
+        EXPECT_EQ(outcomes("a < \"b\" & \xFF"), "delivered, granted, known");
+        EXPECT_EQ(server->count("GetCapabilities"), 1u);
+        const auto notified = server->argumentsOf("Notify");
+        ASSERT_EQ(notified.size(), 6u);
+        EXPECT_EQ(notified.front(),
+                  "('Norvane', 0, 'norvane', 'Akku \xE2\x9A\xA1', '', [], {'desktop-entry': <'norvane'>, "
+                  "'urgency': <byte 0x01>, 'sound-name': <'message-new-instant'>}, -1)");
+        EXPECT_EQ(notified.back(), std::string("('Norvane', 0, 'norvane', 'title', '") +
+                                       (takesMarkup ? "a &lt; \"b\" &amp; \uFFFD" : "a < \"b\" & \uFFFD") +
+                                       "', [], {'desktop-entry': <'norvane'>, 'urgency': <byte 0x01>}, -1)");
+        if (takesMarkup) continue;  // the next one comes at once, and else with another bus
         bus.kill();
-        EXPECT_NE(delivered(request("title", "body")), "");
-    }
-    bus.start();
-    {
-        const Server server(bus, true);
-        EXPECT_EQ(delivered(request("title", "1 < 2")), "");
-        EXPECT_TRUE(server.hasShown("1 &lt; 2")) << "asked anew";
+        EXPECT_EQ(outcomes().find("delivered"), std::string::npos);
+        bus.start();
     }
     begin("");
-    expectNobody("There is no bus");
-    begin("unix:path=/nowhere/at/all");
-    expectNobody("Could not connect: No such file or directory");
+    EXPECT_EQ(outcomes(), "There is no bus, denied, -");
 }
 
 TEST_F(NotificationCenterTest, HasTheServerStartedWhereTheBusKnowsHow) {
     // Debian's interpreter: another one in the path does not have the module.
     bus.makeActivatable(kName, "/usr/bin/python3 -m dbusmock --session --template notification_daemon");
-    EXPECT_EQ(status(), NotificationAuthorization::authorized);
-    const BusPeer peer(bus.address());
-    EXPECT_FALSE(peer.hasOwner(kName)) << "the status starts nothing";
-    EXPECT_EQ(delivered(request("title", "body")), "");
-    EXPECT_EQ(granted(), true);
+    std::optional<NotificationAuthorization> known;
+    center->authorizationStatus([&](NotificationAuthorization status) { known = status; });
+    EXPECT_TRUE(runUntil([&] { return known == kAuthorized; }));
+    EXPECT_FALSE(BusPeer(bus.address()).hasOwner(kName)) << "the status starts nothing";
+    EXPECT_EQ(outcomes(), "delivered, granted, known");
 }
 
-TEST_F(NotificationCenterTest, DoesNotWaitForAServerThatNeverAnswers) {
-    Server server(bus);
-    for (const char* const method : {"GetCapabilities", "GetServerInformation", "Notify"})
-        server.answers[method] = {.isLater = true};
-    begin(bus.address(), {.delivery = 100ms, .authorization = 50ms});
-    EXPECT_EQ(granted(), false);
-    EXPECT_EQ(delivered(request("title", "body")), "Timeout was reached");
-    EXPECT_EQ(status(), NotificationAuthorization::authorized) << "it is there, after all";
-    center->add(request("title", "body"), [](const std::optional<std::string>&) { ADD_FAILURE(); });
-    g_main_context_iteration(nullptr, FALSE);
-    center.reset();
-    turnToTheEnd();
-}
-
-TEST_F(NotificationCenterTest, BearsGarbage) {
-    Server server(bus);
-    server.answers["GetCapabilities"].values = "('body-markup',)";
-    server.answers["GetServerInformation"].values = "(3,)";
-    EXPECT_EQ(delivered(request("title", "1 < 2")), "");
-    EXPECT_TRUE(server.hasShown("'1 < 2'"));
-    EXPECT_EQ(granted(), true) << "it answers";
-    server.answers["Notify"].values = "('seven',)";
-    EXPECT_NE(delivered(request("title", "")).find("returned type"), std::string::npos);
-}
-
-TEST_F(NotificationCenterTest, PassesTheServersRefusalOnAsOneLine) {
-    Server server(bus);
-    server.answers["GetCapabilities"] = {.error = "org.freedesktop.DBus.Error.Failed"};
-    std::string umlauts;
-    for (int count = 0; count < 1000; ++count)
-        umlauts += "\xC3\xA4";
+TEST_F(NotificationCenterTest, BearsSilenceGarbageAndRefusals) {
+    const PlayedService::Answer silence{.isLater = true};
+    const PlayedService::Answer failure{.error = "org.freedesktop.DBus.Error.Failed"};
+    const PlayedService::Answer refusal{.error = "org.norvane.No", .words = "Too many\n\t\n of them\n"};
+    const PlayedService::Answer endless{.error = "org.norvane.No", .words = std::string(9999, 'x')};
     const struct {
-        std::string words;
-        std::string error;
-    } cases[] = {{"Too many\n\t\n of them\n", "Too many of them"},
-                 {"", "org.norvane.Refused"},
-                 {umlauts, umlauts.substr(0, 500)}};
-    for (const auto& c : cases) {
-        server.answers["Notify"] = {.error = "org.norvane.Refused", .words = c.words};
-        EXPECT_EQ(delivered(request("title", "")), c.error);
+        PlayedService::Answer capabilities, information, notify;
+        std::string outcomes;
+    } cases[] = {
+        {silence, silence, silence, "Timeout was reached, denied, known"},
+        {{"('body-markup',)"}, {"(3,)"}, {"(uint32 1,)"}, "delivered, granted, known"},
+        {failure, failure, {"(uint32 1,)"}, "delivered, denied, known"},
+        {failure, {}, refusal, "Too many of them, granted, known"},
+        {failure, {}, endless, std::string(500, 'x') + ", granted, known"},
+    };
+    for (const auto& each : cases) {
+        const auto server = serve({{"GetCapabilities", each.capabilities},
+                                   {"GetServerInformation", each.information},
+                                   {"Notify", each.notify}});
+        begin(bus.address());
+        if (each.notify.isLater) begin(bus.address(), {.delivery = 100ms, .authorization = 50ms});
+        EXPECT_EQ(outcomes("1 < 2"), each.outcomes);
+        for (const std::string& notified : server->argumentsOf("Notify"))
+            EXPECT_NE(notified.find("'1 < 2'"), std::string::npos) << "no markup";
     }
+    const auto server = serve({});
+    for (int turns = 0; turns < 30; ++turns) {
+        center->add({"id", {}, 0ns}, [](const auto&) {});
+        center->authorizationStatus([](NotificationAuthorization) {});
+        turn(turns);
+        begin(bus.address());
+    }
+    turnToTheEnd();
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ PrivateBus::PrivateBus() : address_("unix:path=" + folder_.path() + "/socket") {
   <servicedir>)" + folder_.path() +
                               R"(/services</servicedir>
   <policy context="default">
+    <allow user="*"/>
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>

@@ -1,44 +1,19 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
-#include "bus/BusPeer.h"
-#include "bus/ChildProcess.h"
-#include "bus/PrivateBus.h"
-#include "linux/RunLoop.h"
 #include "platform/linux/LinuxMainQueue.h"
 #include "platform/linux/LinuxUserNotificationCenter.h"
-#include "windows/Xvfb.h"
+#include "RealDesktop.h"
 
 namespace norvane {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kServer = "org.freedesktop.Notifications";
-constexpr const char* kServerPath = "/org/freedesktop/Notifications";
-constexpr const char* kControl = "org.dunstproject.cmd0";
-
-// dunst, on a screen and a bus of its own, with the settings that it comes with.
-class NotificationServerTest : public testing::Test {
+// dunst shows what it was given.
+class NotificationServerTest : public RealDesktop {
  protected:
-    NotificationServerTest()
-        : connection_(queue_, bus_.address(), {.firstAttempt = 0ns}), center_(queue_, connection_) {}
-
-    void SetUp() override {
-        ASSERT_TRUE(xvfb_.isRunning()) << "Xvfb does not start";
-        dunst_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"dunst"},
-            ChildProcess::Environment{{"DISPLAY", xvfb_.display()},
-                                      {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
-                                      {"XDG_CONFIG_HOME", bus_.folder()}});
-        ASSERT_TRUE(peer_.comesToHaveOwner(kServer)) << "dunst does not start";
-    }
-
     // What dunst answers, in the text form of GVariant.
     std::string asked(const char* interface, const char* method, GVariant* arguments = nullptr) const {
-        const auto answer = peer_.call(kServer, kServerPath, interface, method, arguments);
+        const auto answer = peer_.call("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                                       interface, method, arguments);
         if (!answer) return "no answer";
         const std::unique_ptr<gchar, decltype(&g_free)> text(g_variant_print(answer.get(), TRUE), &g_free);
         return text.get();
@@ -49,34 +24,29 @@ class NotificationServerTest : public testing::Test {
                          g_variant_new("(ss)", kControl, property)) == "(<uint32 " + value + ">,)";
         });
     }
-
     bool deliver(const std::string& title, const std::string& body) {
         bool isOver = false;
-        center_.add({"id", {title, body, NotificationSound::defaultSound}, 1ms},
-                    [&](const std::optional<std::string>& error) {
-                        EXPECT_EQ(error, std::nullopt);
-                        isOver = true;
-                    });
+        center_.add({"id", {title, body, NotificationSound::defaultSound}, 1ms}, [&](const auto& error) {
+            EXPECT_EQ(error, std::nullopt);
+            isOver = true;
+        });
         return runUntil([&] { return isOver; });
     }
 
-    Xvfb xvfb_;
-    PrivateBus bus_;
-    BusPeer peer_{bus_.address()};
-    std::unique_ptr<ChildProcess> dunst_;
+    static constexpr const char* kControl = "org.dunstproject.cmd0";
+
     LinuxMainQueue queue_;
-    BusConnection connection_;
-    LinuxUserNotificationCenter center_;
+    BusConnection connection_{queue_, bus_.address(), {.firstAttempt = 0ns}};
+    LinuxUserNotificationCenter center_{queue_, connection_};
 };
 
 TEST_F(NotificationServerTest, ShowsWhatItWasGiven) {
+    const auto dunst = start({"dunst"});
+    ASSERT_TRUE(peer_.comesToHaveOwner("org.freedesktop.Notifications")) << "dunst does not start";
     std::optional<bool> isGranted;
     center_.requestAuthorization([&](bool granted) { isGranted = granted; });
-    EXPECT_TRUE(runUntil([&] { return isGranted.has_value(); }));
-    EXPECT_EQ(isGranted, true);
-
+    EXPECT_TRUE(runUntil([&] { return isGranted == true; }));
     ASSERT_TRUE(deliver("Storage Warning", "<b>Less than 20 GB</b> & \"falling\" \xE2\x80\x93 1 < 2"));
-    EXPECT_TRUE(comesToHave("displayedLength", "1"));
     ASSERT_TRUE(deliver("Battery Warning", "Battery has dropped below 20%."));
     EXPECT_TRUE(comesToHave("displayedLength", "2")) << "none takes the place of another";
     EXPECT_EQ(asked(kControl, "NotificationCloseAll"), "()");

@@ -1,20 +1,14 @@
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
-#include "bus/BusPeer.h"
-#include "bus/ChildProcess.h"
-#include "linux/RunLoop.h"
-#include "PanelBus.h"
-#include "platform/linux/GVariantPointer.h"
-#include "platform/linux/X11Reply.h"
-#include "windows/Bystander.h"
+#include "platform/linux/LinuxAppearance.h"
+#include "platform/linux/LinuxMainQueue.h"
+#include "platform/linux/LinuxMonotonicClock.h"
+#include "platform/linux/X11WindowServer.h"
+#include "platform/StatusItem.h"
+#include "RealDesktop.h"
 #include "windows/Program.h"
-#include "windows/Xvfb.h"
+#include "windows/SwatchContent.h"
 
 namespace norvane {
 namespace {
@@ -22,27 +16,25 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kWatcher = "org.kde.StatusNotifierWatcher";
-constexpr const char* kWatcherPath = "/StatusNotifierWatcher";
 constexpr int kDashboardWidth = 520;
 constexpr int kWelcomeWidth = 340;
 
-// The real program beside real window managers and panels, on a screen and a bus of its own.
-class PanelsTest : public testing::Test {
+struct Panel {
+    std::vector<std::string> command;
+    std::string item;  // what carries it there
+};
+
+const Panel kTrayer{{"trayer", "--edge", "top", "--height", "24", "--widthtype", "request"}, "wide "};
+const Panel kTint2{{"tint2"}, "square "};
+const Panel kXfcePanel{{"xfce4-panel", "--disable-wm-check"}, "picture "};
+
+// Real window managers and panels, and the real program, or an item of our own, beside them.
+class PanelsTest : public RealDesktop {
  protected:
-    std::unique_ptr<ChildProcess> start(const std::vector<std::string>& command) const {
-        return std::make_unique<ChildProcess>(
-            command, ChildProcess::Environment{{"DISPLAY", xvfb_.display()},
-                                               {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
-                                               {"HOME", bus_.folder()},
-                                               {"XDG_CONFIG_HOME", bus_.folder()},
-                                               {"XDG_CACHE_HOME", bus_.folder()},
-                                               {"NO_AT_BRIDGE", "1"},
-                                               {"GTK_A11Y", "none"}});
-    }
     void startProgram(bool hasSeenWelcome = true) {
+        program_.reset();  // there is one on a display
         program_ = std::make_unique<Program>(xvfb_.display(), hasSeenWelcome, bus_.address());
     }
-
     // Looks seldom: what is looked at is a tree of windows, and somebody else's time.
     static bool eventually(const std::function<bool()>& holds) {
         for (int i = 0; i < 200; ++i) {
@@ -52,16 +44,16 @@ class PanelsTest : public testing::Test {
         }
         return false;
     }
-
     // Ready: openbox loses what is shown while it starts, and says when it has.
     std::unique_ptr<ChildProcess> startManager(const std::string& name) const {
-        auto manager = name == "openbox"
-                           ? start({name, "--sm-disable", "--startup", "xsetroot -name started"})
-                           : start({name});
+        const bool isOpenbox = name == "openbox";
+        run("xsetroot -name ''");
+        auto manager =
+            isOpenbox ? start({name, "--sm-disable", "--startup", "xsetroot -name started"}) : start({name});
         EXPECT_TRUE(eventually([&] {
-            return name == "openbox"
-                       ? bystander_.text(bystander_.root(), "WM_NAME") == "started"
-                       : !bystander_.numbers(bystander_.root(), "_NET_SUPPORTING_WM_CHECK").empty();
+            const xcb_window_t root = bystander_.root();
+            return isOpenbox ? bystander_.text(root, "WM_NAME") == "started"
+                             : !bystander_.numbers(root, "_NET_SUPPORTING_WM_CHECK").empty();
         })) << name;
         return manager;
     }
@@ -71,8 +63,9 @@ class PanelsTest : public testing::Test {
     std::string items() const {
         std::string found;
         collect(bystander_.root(), found);
-        const auto registered = peer_.call(kWatcher, kWatcherPath, "org.freedesktop.DBus.Properties", "Get",
-                                           g_variant_new("(ss)", kWatcher, "RegisteredStatusNotifierItems"));
+        const auto registered =
+            peer_.call(kWatcher, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties", "Get",
+                       g_variant_new("(ss)", kWatcher, "RegisteredStatusNotifierItems"));
         if (!registered) return found;
         const GVariantPointer boxed(g_variant_get_child_value(registered.get(), 0));
         const GVariantPointer list(g_variant_get_variant(boxed.get()));
@@ -81,31 +74,20 @@ class PanelsTest : public testing::Test {
         return found;
     }
     void collect(xcb_window_t parent, std::string& found) const {
-        const X11Reply<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(bystander_.get(), xcb_query_tree(bystander_.get(), parent), nullptr));
-        if (!tree) return;
-        const std::vector<xcb_window_t> children(
-            xcb_query_tree_children(tree.get()),
-            xcb_query_tree_children(tree.get()) + xcb_query_tree_children_length(tree.get()));
-        for (const xcb_window_t child : children) {
+        for (const xcb_window_t child : bystander_.childrenOf(parent)) {
             const PixelRect frame = bystander_.frameOf(child);
-            const bool isOurs =
-                bystander_.text(child, "WM_CLASS").starts_with("norvane") && frame.height < 100;
-            if (!isOurs || !isViewable(child)) {
+            if (!bystander_.text(child, "WM_CLASS").starts_with("norvane") || frame.height >= 100 ||
+                !bystander_.isShown(child)) {
                 collect(child, found);
-                continue;
+            } else if (!bystander_.numbers(child, "_NET_WM_STRUT").empty()) {
+                found += "strip ";
+            } else {
+                found += frame.width >= 50 ? "wide " : "square ";
             }
-            const bool isDock = !bystander_.numbers(child, "_NET_WM_STRUT").empty();
-            found += isDock ? "strip " : frame.width >= 50 ? "wide " : "square ";
         }
     }
-    bool isViewable(xcb_window_t window) const {
-        const X11Reply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
-            bystander_.get(), xcb_get_window_attributes(bystander_.get(), window), nullptr));
-        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
-    }
-    bool comesToBe(const std::string& wanted) const {
-        return eventually([&] { return items() == wanted; });
+    void expect(const std::string& wanted) const {
+        EXPECT_TRUE(eventually([&] { return items() == wanted; })) << wanted << "expected, not " << items();
     }
 
     // How wide the popover is that has this width, and under a compositor room for its shadow around; 0 while
@@ -121,80 +103,55 @@ class PanelsTest : public testing::Test {
     // keyboard, and an unpinned dashboard then goes: it is asked for until it stays.
     bool opens() const {
         return eventually([&] {
-            EXPECT_EQ(run({NORVANE_BINARY_DIR "/norvane"}), 0);
+            EXPECT_EQ(run(NORVANE_BINARY_DIR "/norvane"), 0);
             return popover(kDashboardWidth) > 0;
         });
     }
-    int run(const std::vector<std::string>& command) const { return runOn(xvfb_.display(), command); }
 
-    Xvfb xvfb_;
-    PanelBus bus_;
-    BusPeer peer_{bus_.address()};
-    Bystander bystander_{xvfb_.display()};
     std::unique_ptr<Program> program_;
-};
-
-struct Panel {
-    std::vector<std::string> command;
-    std::string item;
-};
-
-const Panel kPanels[] = {
-    {{"trayer", "--edge", "top", "--height", "24", "--widthtype", "request"}, "wide "},
-    {{"tint2"}, "square "},
-    {{"xfce4-panel", "--disable-wm-check"}, "picture "},
 };
 
 TEST_F(PanelsTest, EachPanelCarriesOneItemAndGetsItBackWhenItStartsAgain) {
     for (const char* const manager : {"openbox", "xfwm4", ""}) {
-        std::unique_ptr<ChildProcess> windowManager;
-        if (*manager != '\0') {
-            run({"xsetroot", "-name", ""});
-            windowManager = startManager(manager);
-        }
-        for (const Panel& kind : kPanels) {
+        const auto windowManager = *manager != '\0' ? startManager(manager) : nullptr;
+        for (const Panel& kind : {kTrayer, kTint2, kXfcePanel}) {
             SCOPED_TRACE(std::string(manager) + " " + kind.command.front());
             startProgram();
             auto panel = start(kind.command);
-            EXPECT_TRUE(comesToBe(kind.item)) << items();
+            expect(kind.item);
             panel.reset();
-            EXPECT_TRUE(comesToBe("strip ")) << items();
+            expect("strip ");
             panel = start(kind.command);
-            EXPECT_TRUE(comesToBe(kind.item)) << items();
+            expect(kind.item);
             EXPECT_TRUE(opens());
             program_->terminate();
             EXPECT_TRUE(runUntil([&] { return program_->exitStatus().has_value(); }));
             EXPECT_EQ(program_->exitStatus(), 0) << program_->errors();
             panel.reset();
-            EXPECT_TRUE(comesToBe("")) << items();
+            expect("");
         }
     }
 }
 
-TEST_F(PanelsTest, WithoutAPanelTheStripWaitsForOneOnlyUnderAWindowManager) {
+TEST_F(PanelsTest, AStripAndAWelcomeWaitForAPanelOnlyUnderAWindowManager) {
     startProgram();
-    EXPECT_TRUE(comesToBe("strip "));
-    program_.reset();
-    const auto manager = startManager("openbox");
+    expect("strip ");
+    const auto manager = startManager("xfwm4");
     const auto begin = std::chrono::steady_clock::now();
     startProgram();
-    EXPECT_TRUE(comesToBe("strip "));
+    expect("strip ");
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 2s);
-}
-
-TEST_F(PanelsTest, ANewUserIsWelcomedInAPanelThatComesLater) {
-    const auto manager = startManager("xfwm4");
     startProgram(false);
-    const auto panel = start({"xfce4-panel", "--disable-wm-check"});
-    EXPECT_TRUE(comesToBe("picture ")) << items();
+    const auto panel = start(kXfcePanel.command);
+    expect(kXfcePanel.item);
     EXPECT_TRUE(eventually([&] { return popover(kWelcomeWidth) > 0; }));
 }
 
 TEST_F(PanelsTest, ACompositorThatComesAndGoesLeavesTheDashboardOpen) {
     const auto manager = startManager("openbox");
-    const auto panel = start(kPanels[0].command);
+    const auto panel = start(kTrayer.command);
     startProgram();
-    ASSERT_TRUE(comesToBe("wide "));
+    expect(kTrayer.item);
     ASSERT_TRUE(opens());
     for (int i = 0; i < 2; ++i) {
         auto compositor = start({"picom", "--backend", "xrender", "--config", "/dev/null"});
@@ -203,6 +160,72 @@ TEST_F(PanelsTest, ACompositorThatComesAndGoesLeavesTheDashboardOpen) {
         EXPECT_TRUE(eventually([&] { return popover(kDashboardWidth) == kDashboardWidth; }));
     }
     EXPECT_EQ(program_->exitStatus(), std::nullopt);
+}
+
+TEST_F(PanelsTest, ThePanelsOwnPictureIsTheContentAndTakesClicksAndHasAMenu) {
+    const auto panel = start(kXfcePanel.command);
+    ASSERT_TRUE(peer_.comesToHaveOwner(kWatcher)) << "the panel does not start";
+    LinuxMainQueue queue;
+    const LinuxMonotonicClock clock;
+    BusConnection bus(queue, bus_.address(), {.firstAttempt = 0ns, .firstPause = 5ms, .longestPause = 20ms});
+    BusConnection noBus(queue, "");
+    const Published<XSettings> settings;
+    LinuxAppearance appearance(bus, settings);
+    TextLayouts layouts;
+    const auto connection = X11Connection::open(xvfb_.display().c_str());
+    ASSERT_NE(connection, nullptr);
+    X11WindowServer windows(*connection, bus, noBus, layouts, appearance, clock, queue);
+    int clicks = 0;
+    int said = 0;
+    SwatchContent content;
+    auto item = windows.statusItemWithLength(StatusItem::kSquareLength);
+    item->setAction([&] { ++clicks; });
+    item->setContextMenu({{"Say_it", [&said] { ++said; }}});
+    item->setContent(&content);
+    expect("picture ");
+
+    const auto paint = [&](const Color& color, double rate) {
+        content.swatches = {{{{}, {22, 22}}, color}};
+        content.rate = rate;
+        content.change();
+    };
+    // Of the screen's pixels, those of that colour.
+    const auto found = [&](std::uint32_t color) {
+        const auto pixels = bystander_.pixels({0, 0, Xvfb::kWidth, Xvfb::kHeight});
+        PixelRect square;
+        for (int at = 0; at < Xvfb::kWidth * Xvfb::kHeight; ++at) {
+            const PixelRect one{at % Xvfb::kWidth, at / Xvfb::kWidth, 1, 1};
+            if (pixels[static_cast<std::size_t>(at)] == color)
+                square = square.isEmpty() ? one : square.united(one);
+        }
+        return square.width > 9 && square.height > 9 ? square : PixelRect{};
+    };
+    paint({0, 1, 0, 1}, 0);
+    ASSERT_TRUE(eventually([&] { return !found(0x00FF00).isEmpty(); }));
+    paint({1, 0, 0, 1}, 60);
+    EXPECT_TRUE(runUntil([&, before = content.pictures] { return content.pictures >= before + 2; }));
+    paint({0, 0, 1, 1}, 0);
+    ASSERT_TRUE(eventually([&] { return !found(0x0000FF).isEmpty(); })) << "what lay halfway is not shown";
+
+    // There is no window manager to tell what the panel leaves free.
+    constexpr int kThickness = 30;
+    bystander_.setNumbers(bystander_.root(), "_NET_WORKAREA",
+                          {0, kThickness, Xvfb::kWidth, Xvfb::kHeight - 30});
+    const Rect atTheEnd{{Xvfb::kWidth - 22, 0}, {22, kThickness}};
+    ASSERT_TRUE(runUntil([&] { return item->buttonFrame() == atTheEnd; }));
+    const PixelRect place = found(0x0000FF);
+    const int x = place.x + place.width / 2;
+    ASSERT_EQ(run("xdotool mousemove " + std::to_string(x) + ' ' + std::to_string(place.y + 5) + " click 1"),
+              0);
+    ASSERT_TRUE(runUntil([&] { return clicks == 1; }));
+    EXPECT_EQ(item->buttonFrame(), (Rect{{x - 11.0, 0}, {22, kThickness}}));
+    ASSERT_EQ(run("xdotool click 3"), 0);
+    // The keys reach nobody until the menu is there.
+    EXPECT_TRUE(runUntil([&] { return run("xdotool key Down Return") != 0 || said > 0; }));
+    EXPECT_GT(said, 0);
+    EXPECT_EQ(clicks, 1);
+    item.reset();
+    expect("");
 }
 
 }  // namespace

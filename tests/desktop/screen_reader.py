@@ -3,9 +3,8 @@
 
 Usage: screen_reader.py TRANSCRIPT SIGNAL
 
-Reads each panel, hears a change of the status line, presses pods, flips a switch, goes in steps, ejects a volume
-and goes round by Tab. TRANSCRIPT gets a line for each thing; its last line is "The end." where all went well, and
-says what did not happen otherwise. The file SIGNAL is made when the machine is to get into another state.
+TRANSCRIPT gets a line for each thing; its last line is "The end." where all went well, and says what did not
+happen otherwise. The file SIGNAL is made when the machine is to get into another state.
 """
 
 import subprocess
@@ -22,8 +21,8 @@ transcript = open(sys.argv[1], "w", encoding="utf-8")
 heard = []
 
 
-def write(line=""):
-    print(line, file=transcript, flush=True)
+def write(*lines):
+    print(*lines, sep="\n", file=transcript, flush=True)
 
 
 def until(holds, what):
@@ -54,14 +53,17 @@ def things(root):
         yield from things(child)
 
 
-def find(role, name, among=None):
-    root = among or application()
-    found = [each for each in things(root) if each.getRoleName() == role and each.name == name]
+def find(role, name):
+    found = [each for each in things(application()) if each.getRoleName() == role and each.name == name]
     return found[-1] if found else None
 
 
 def comes(role, name):
     return until(lambda: find(role, name), f"{role} {name}")
+
+
+def goes(role, name):
+    until(lambda: not find(role, name), f"no {role} {name} any more")
 
 
 def has(thing, state):
@@ -71,28 +73,23 @@ def has(thing, state):
 def spoken(thing):
     """One thing as it is read aloud: name, role, states, value."""
     words = [thing.name.replace("\n", " ")] if thing.name else []
-    words.append(thing.getRoleName())
-    words += [state for state in SPOKEN_STATES if has(thing, state)]
+    words += [thing.getRoleName()] + [state for state in SPOKEN_STATES if has(thing, state)]
     interfaces = pyatspi.listInterfaces(thing)
     if "Value" in interfaces:
         value = thing.queryValue()
         words.append(f"{value.currentValue:g} of {value.minimumValue:g} to {value.maximumValue:g}")
-    if thing.description:
-        words.append(thing.description)
-    return ", ".join(words)
+    if "Text" in interfaces:
+        assert thing.queryText().getText(0, -1) == thing.name
+    return ", ".join(words + ([thing.description] if thing.description else []))
 
 
 def read(title, thing):
-    write()
-    write(title)
+    write("", title)
     for each in things(thing):
         role = each.getRoleName()
         # What only holds others together, and lines between them, is passed over.
-        if role == "separator" or role in ("panel", "scroll pane") and not each.name:
-            continue
-        write("  " + spoken(each))
-        if "Text" in pyatspi.listInterfaces(each):
-            assert each.queryText().getText(0, -1) == each.name
+        if role != "separator" and (each.name or role not in ("panel", "scroll pane")):
+            write("  " + spoken(each))
 
 
 def act(thing, action="press"):
@@ -112,54 +109,43 @@ def key(name):
     subprocess.run(["xdotool", "key", name], check=True)
 
 
-def dashboard():
-    return comes("frame", "Norvane")
-
-
-def open_pod(name, sign):
+def open_pod(name, role, sign):
     act(comes("toggle button", name))
-    until(lambda: has(find("toggle button", name), "expanded") and find(*sign), f"{name} opens")
-    read(f"The panel of {name}", dashboard())
+    until(lambda: has(find("toggle button", name), "expanded") and find(role, sign), f"{name} opens")
+    read(f"The panel of {name}", comes("frame", "Norvane"))
 
 
 subprocess.run(
     ["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus", "--method",
      "org.freedesktop.DBus.Properties.Set", "org.a11y.Status", "IsEnabled", "<true>"],
     check=True, stdout=subprocess.DEVNULL)
-for kind in ("object:announcement", "object:state-changed:focused"):
-    pyatspi.Registry.registerEventListener(hear, kind)
+pyatspi.Registry.registerEventListener(hear, "object:announcement", "object:state-changed:focused")
 
 until(application, "one application on the desktop")
 item = comes("push button", "Norvane")
 read("The item in the panel", comes("frame", "Norvane status item"))
 act(item)
-until(lambda: has(dashboard(), "active"), "the dashboard has the keyboard")
+until(lambda: has(comes("frame", "Norvane"), "active"), "the dashboard has the keyboard")
 comes("level bar", "Core 8")
-until(lambda: not find("label", "Initializing system telemetry..."), "the status line knows something")
-until(lambda: not find("label", "CPU status unavailable."), "the panel knows something")
-read("The panel of CPU", dashboard())
-open_pod("RAM", ("level bar", "Memory Used"))
-open_pod("Impact", ("level bar", "Battery Health"))
-open_pod("Disk", ("push button", "Eject BACKUP"))
-
+goes("label", "Initializing system telemetry...")
+goes("label", "CPU status unavailable.")
+read("The panel of CPU", comes("frame", "Norvane"))
+open_pod("RAM", "level bar", "Memory Used")
+open_pod("Impact", "level bar", "Battery Health")
+open_pod("Disk", "push button", "Eject BACKUP")
 act(comes("push button", "Eject BACKUP"))
 read("A volume is being ejected", comes("progress bar", "Ejecting BACKUP"))
 
 heard.clear()
 open(sys.argv[2], "w", encoding="utf-8").close()
 until(lambda: heard, "the status line is announced")
-write()
-write("The machine gets into another state")
-write("  " + heard[0])
+write("", "The machine gets into another state", "  " + heard[0])
 
 heard.clear()
-write()
-write("Round by Tab")
-for _ in range(9):
-    before = len(heard)
+for count in range(1, 10):
     key("Tab")
-    until(lambda: len(heard) > before, "the focus goes on")
-write("  " + ", ".join(heard))
+    until(lambda: len(heard) >= count, "the focus goes on")
+write("", "Round by Tab", "  " + ", ".join(heard))
 
 act(comes("push button", "Settings"))
 settings = comes("frame", "Settings")
@@ -181,12 +167,11 @@ key("Down")
 until(lambda: stepper.queryValue().currentValue == before + 15, "a step down by the keyboard")
 read("Settings", settings)
 key("Escape")
-until(lambda: not find("frame", "Settings"), "Escape closes the settings")
+goes("frame", "Settings")
 
 act(comes("push button", "Norvane"))
 act(comes("push button", "Info"))
-read("Info", until(lambda: find("link", "Send Feedback"), "the info opens").parent)
+read("Info", comes("link", "Send Feedback").parent)
 key("Escape")
-until(lambda: not find("link", "Send Feedback"), "Escape closes the info")
-write()
-write("The end.")
+goes("link", "Send Feedback")
+write("", "The end.")

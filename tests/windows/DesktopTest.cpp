@@ -4,24 +4,8 @@
 
 namespace norvane {
 
-bool comes(const std::function<bool()>& state) {
-    using namespace std::chrono_literals;
-    // Long, for a machine that is busy with other things; short looks, for what
-    // other programs do.
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (!state()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        const guint look = g_timeout_add(
-            5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-        g_main_context_iteration(nullptr, TRUE);
-        g_source_remove(look);
-    }
-    return true;
-}
-
 void DesktopTest::SetUp() {
-    if (!Xvfb::isInstalled()) GTEST_SKIP() << "Xvfb is not installed";
-    ASSERT_TRUE(xvfb_.isRunning());
+    ASSERT_TRUE(xvfb_.isRunning()) << "Xvfb does not start";
     bystander_ = std::make_unique<Bystander>(xvfb_.display());
     ASSERT_NE(bystander_->root(), XCB_NONE);
     connect();
@@ -51,20 +35,6 @@ void DesktopTest::settle() const {
 void DesktopTest::turn(std::chrono::milliseconds time) const {
     const auto end = clock_.now() + time;
     EXPECT_TRUE(comes([&] { return clock_.now() >= end; }));
-}
-
-void DesktopTest::moveTo(int x, int y) const {
-    ASSERT_EQ(runOn(xvfb_.display(), {"xdotool", "mousemove", std::to_string(x), std::to_string(y)}), 0);
-}
-
-void DesktopTest::click(int x, int y, int button) const {
-    ASSERT_EQ(runOn(xvfb_.display(), {"xdotool", "mousemove", std::to_string(x), std::to_string(y), "click",
-                                      std::to_string(button)}),
-              0);
-}
-
-void DesktopTest::type(const std::string& key) const {
-    ASSERT_EQ(runOn(xvfb_.display(), {"xdotool", "key", key}), 0);
 }
 
 }  // namespace norvane

@@ -4,42 +4,26 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "Bystander.h"
-#include "platform/Appearance.h"
+#include "linux/RunLoop.h"
+#include "platform/linux/LinuxAppearance.h"
 #include "platform/linux/LinuxMainQueue.h"
 #include "platform/linux/LinuxMonotonicClock.h"
 #include "platform/linux/X11WindowServer.h"
-#include "platform/Observers.h"
 #include "platform/PopoverWindow.h"
 #include "SwatchContent.h"
 #include "Xvfb.h"
 
 namespace norvane {
 
-class SwitchedAppearance final : public Appearance {
- public:
-    bool isDark() const override { return isDark_; }
-    std::optional<Color> accentColor() const override { return std::nullopt; }
-    bool reducesMotion() const override { return false; }
-    Cancellation onDidChange(std::function<void()> observer) override {
-        return changed_.add(std::move(observer));
-    }
-    void setDark(bool isDark) {
-        isDark_ = isDark;
-        changed_.tell();
-    }
-
- private:
-    bool isDark_ = false;
-    Observers<> changed_;
-};
-
 // Runs the main loop until the state is there. False if it does not come.
-bool comes(const std::function<bool()>& state);
+inline bool comes(const std::function<bool()>& state) {
+    return runUntil(state);
+}
 
-// Our windows on an X server of this test's own, without a window manager,
-// beside another program.
+// Our windows on an X server of this test's own, without a window manager, beside another program.
 class DesktopTest : public ::testing::Test {
  protected:
     void SetUp() final;
@@ -55,10 +39,24 @@ class DesktopTest : public ::testing::Test {
     // Has the main loop turn for so long.
     void turn(std::chrono::milliseconds time) const;
 
-    void moveTo(int x, int y) const;
-    void click(int x, int y, int button = 1) const;
-    void type(const std::string& key) const;
+    void run(const std::string& command) const { ASSERT_EQ(runOn(xvfb_.display(), command), 0) << command; }
+    void moveTo(int x, int y) const {
+        run("xdotool mousemove " + std::to_string(x) + ' ' + std::to_string(y));
+    }
+    void click(int x, int y, int button = 1) const {
+        moveTo(x, y);
+        run("xdotool click " + std::to_string(button));
+    }
+    void type(const std::string& keys) const { run("xdotool key " + keys); }
+    void setDark(bool isDark) { xSettings_.set({.isDark = isDark}); }
+
     bool shows(int x, int y, std::uint32_t pixel) const { return bystander_->pixelAt(x, y) == pixel; }
+    bool comesToShow(int x, int y, std::uint32_t pixel) const {
+        return comes([&] { return shows(x, y, pixel); });
+    }
+    bool comesToBeAt(const PixelRect& frame) const {
+        return comes([&] { return bystander_->windowAt(frame).has_value(); });
+    }
 
     Xvfb xvfb_;
     std::unique_ptr<Bystander> bystander_;
@@ -67,17 +65,12 @@ class DesktopTest : public ::testing::Test {
     // There is none.
     BusConnection sessionBus_{mainQueue_, ""};
     BusConnection systemBus_{mainQueue_, ""};
-    SwitchedAppearance appearance_;
+    Published<XSettings> xSettings_;
+    LinuxAppearance appearance_{sessionBus_, xSettings_};
     TextLayouts layouts_;
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowServer> windowServer_;
 };
-
-// The anchor below which a popover hangs that has its upper edge's middle
-// there.
-constexpr Rect anchorAbove(double middle, double top) {
-    return {{middle - 27, top - PopoverWindow::kGap - 22}, {54, 22}};
-}
 
 // Where the item is on a screen without a panel: in a strip of its own.
 inline constexpr PixelRect kStrip{Xvfb::kWidth - 54, 0, 54, 22};

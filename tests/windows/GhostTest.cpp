@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <memory>
 #include <random>
@@ -11,16 +10,14 @@
 namespace norvane {
 namespace {
 
-// What is laid over something translucently is rounded by the length of the run
-// of pixels that is painted at once, which is another one where only a part is
-// painted: by one step for a thing, by another for the group around it.
+// What is laid over something translucently is rounded by the length of the run of pixels that is painted at
+// once, which is another one where only a part is painted: by one step for a thing, by another for the group
+// around it.
 constexpr int kRounding = 2;
-// Where the border of a part cuts through a slanted edge, the edge is rounded
-// anew at the cut: a few pixels along the border come out a shade lighter or
-// darker. What stays behind of a thing is larger or stronger.
+// Where the border of a part cuts through a slanted edge, the edge is rounded anew at the cut: a few pixels
+// along the border come out a shade lighter or darker. What stays behind of a thing is larger or stronger.
 constexpr int kCutRounding = 16;
 constexpr int kMostCutPixels = 8;
-constexpr int kSteps = 70;
 
 // Decisions by chance.
 class RandomChoices final : public Choices {
@@ -43,8 +40,7 @@ class RandomChoices final : public Choices {
 
 class GhostTest : public PainterFixture, public testing::WithParamInterface<double> {};
 
-// A tree's pictures one after another, of each only what differs from the one
-// before.
+// A tree's pictures one after another, of each only what differs from the one before.
 TEST_P(GhostTest, NothingOfAnEarlierPictureStaysBehind) {
     int parts = 0;
     for (unsigned seed = 1; seed <= 10; ++seed) {
@@ -55,21 +51,19 @@ TEST_P(GhostTest, NothingOfAnEarlierPictureStaysBehind) {
         CairoPainter freshPainter(freshLayouts);
         DisplayList before;
         std::unique_ptr<PaintedImage> image;
-        for (int step = 0; step < kSteps; ++step) {
+        for (int step = 0; step < 70; ++step) {
             tree.step();
-            if (!tree.isShown()) {
-                image.reset();  // pictures are kept only while the window is open
-                continue;
-            }
+            // Pictures are kept only while the window is open.
+            if (!tree.isShown()) image.reset();
+            if (!tree.isShown()) continue;
             const DisplayList list = tree.picture();
             if (!image || before.size != list.size) {
                 image = std::make_unique<PaintedImage>(painter_, list, GetParam());
             } else {
                 std::vector<PixelRect> damage;
-                for (const Rect& rect : damageBetween(before, list)) {
-                    const PixelRect part = pixelsCovering(rect, GetParam()).intersection(image->bounds());
-                    if (!part.isEmpty()) damage.push_back(part);
-                }
+                for (const Rect& rect : damageBetween(before, list))
+                    damage.push_back(pixelsCovering(rect, GetParam()).intersection(image->bounds()));
+                std::erase_if(damage, [](const PixelRect& part) { return part.isEmpty(); });
                 image->paint(list, damage);
                 parts += !damage.empty() && damage.front() != image->bounds() ? 1 : 0;
             }

@@ -22,6 +22,7 @@ class PainterFixture : public testing::Test {
     PaintedImage painted(Size size, DrawCommand command, double scale = 1) {
         return painted(size, {{"", {{}, size}, std::move(command)}}, scale);
     }
+    static FillShape filled(const Rect& rect, const Fill& fill) { return {RoundedRect{rect, 0}, fill}; }
 
     TextLayouts layouts_;
     PangoTextRuler ruler_{layouts_};

@@ -1,17 +1,19 @@
 #pragma once
 
 #include <sys/types.h>
+#include <csignal>
 #include <optional>
 #include <string>
 
+#include "linux/TemporaryFolder.h"
+
 namespace norvane {
 
-// The real program, running on a display with preferences of its own and no
-// other bus than it is given. It ends, at the latest, when this goes away.
+// The real program, running on a display with preferences of its own and no other bus than it is given. It
+// ends, at the latest, when this goes away.
 class Program {
  public:
-    // An empty display is none at all. Its user has been welcomed before, or
-    // starts it for the first time.
+    // An empty display is none at all. Its user has been welcomed before, or starts it for the first time.
     explicit Program(const std::string& display, bool hasSeenWelcome = true,
                      const std::string& sessionBus = {});
     ~Program();
@@ -19,19 +21,16 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     // Asks it to end.
-    void terminate() const;
+    void terminate() const { kill(process_, SIGTERM); }
     // The exit status, once it has ended; -1 where a signal ended it.
     std::optional<int> exitStatus();
-    // What it has printed on standard error so far.
-    std::string errors() const;
-    // Its defaults file as it stands.
-    std::string defaults() const;
+    // What it has printed so far.
+    std::string errors() const { return folder_.text("/errors"); }
 
  private:
+    TemporaryFolder folder_;
     pid_t process_ = -1;
     std::optional<int> status_;
-    std::string folder_;
-    std::string defaults_;
 };
 
 }  // namespace norvane

@@ -17,15 +17,14 @@ class SwatchContent final : public SurfaceContent {
     };
 
     Size size{200, 120};
-    // Where it is on its way to that size; none once it is there.
-    std::optional<Size> onTheWay;
+    std::optional<Size> onTheWay;  // to that size; none once it is there
     std::vector<Swatch> swatches;
     double rate = 0;
     bool usesKeys = false;
 
     int pictures = 0;
     Size most;  // what it was offered last
-    std::vector<Size> sizes;
+    Size given;
     std::vector<MonotonicInstant> times;
     std::vector<PointerEvent> pointerEvents;
     std::vector<KeyEvent> keyEvents;
@@ -38,14 +37,14 @@ class SwatchContent final : public SurfaceContent {
         most = offered;
         return size;
     }
-    DisplayList displayList(Size given, MonotonicInstant at) override {
+    DisplayList displayList(Size room, MonotonicInstant at) override {
         ++pictures;
-        sizes.push_back(given);
+        given = room;
         times.push_back(at);
-        DisplayList painted{onTheWay.value_or(given), {}};
-        for (std::size_t i = 0; i < swatches.size(); ++i) {
-            painted.items.push_back({std::to_string(i), swatches[i].rect,
-                                     FillShape{RoundedRect{swatches[i].rect, 0}, swatches[i].color}});
+        DisplayList painted{onTheWay.value_or(room), {}};
+        for (const auto& [rect, color] : swatches) {
+            painted.items.push_back(
+                {std::to_string(painted.items.size()), rect, FillShape{RoundedRect{rect, 0}, color}});
         }
         return painted;
     }
