@@ -100,6 +100,7 @@ TEST_F(AppearanceTest, FollowsThePortalOrElseTheXScreenAndTakesNoGarbage) {
         EXPECT_TRUE(comesToBeDark()) << unsaid;
         for (const char* const other : {kAccent, kMotion, "'org.gnome.desktop.interface', 'color-scheme'"})
             say(other, "uint32 2");
+        say(kScheme, unsaid);
         say(kScheme, "<uint32 2>");
         EXPECT_TRUE(comesToBeDark(false)) << unsaid;
         EXPECT_EQ(std::exchange(told, 0), 2) << unsaid;

@@ -255,6 +255,7 @@ TEST_F(NotifierTest, TheMenuIsReadInPartsAndWholeAndRunsWhatIsClickedOn) {
 
     std::string told;
     const auto following = writing("/MenuBar", kMenu, "LayoutUpdated", told);
+    ASSERT_TRUE(hearsAll(panel)) << "the bus knows that it listens";
     menu.setItems({{"Op_en", nullptr}, {"Quit", nullptr}});
     menu.setItems({{"\xFF", nullptr}});
     EXPECT_EQ(answer("/MenuBar", kMenu, "GetProperty", "(1, 'label')"), "(<'\uFFFD'>,)");

@@ -113,13 +113,13 @@ TEST(RepeatingDeadline, TurnsMissedFiringsIntoOneAndStaysOnItsGrid) {
 }
 
 TEST(SerialQueue, RunsTasksInOrderAndATimerUntilItIsDestroyedWithinItsOwnTask) {
-    LinuxSerialQueue queue("sampler of the machine");
     std::vector<int> order;  // without a lock: a second thread would be seen by the thread sanitizer
-    for (int number = 0; number < 1000; ++number)
-        queue.async([&, number] { order.push_back(number); });
     const auto witness = std::make_shared<int>();
     std::atomic<int> firings = 0;
     std::unique_ptr<RepeatingTimer> timer;
+    LinuxSerialQueue queue("sampler of the machine");  // goes first, with its thread
+    for (int number = 0; number < 1000; ++number)
+        queue.async([&, number] { order.push_back(number); });
     queue.async([&, ours = getpriority(PRIO_PROCESS, 0)] {
         EXPECT_EQ(order.size(), 1000u);
         EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));

@@ -77,13 +77,14 @@ TEST_F(PainterTest, ANumberThatIsNoneCostsItselfAndNotTheFrame) {
     for (const double number : {none, std::numeric_limits<double>::infinity(), -1.0, 1e300, 1e-300}) {
         std::vector<DisplayItem> items;
         const Point point{number, 3};
-        const auto path =
-            std::make_shared<Path>(Path{{Path::LineTo{point}, Path::CurveTo{{1, 1}, point, {9, 9}}}});
+        const auto path = std::make_shared<Path>(
+            Path{{Path::LineTo{point}, Path::CurveTo{{1, 1}, point, {9, 9}}, Path::Close{}}});
         const StrokeStyle line{number, LineCap::round, LineJoin::miter, number, 1};
         const Fill fill({none, number, -5, 7}, kRed, point, {9, 9});
         for (const Shape& shape : std::initializer_list<Shape>{
                  RoundedRect{{point, {number, 5}}, number}, Arc{point, number, -number, number}, PlacedPath{},
-                 PlacedPath{path, point, 1, number}, RoundedRect{kAll, number, CornerStyle::continuous}}) {
+                 PlacedPath{path, point, 1, number}, RoundedRect{kAll, number, CornerStyle::continuous},
+                 PlacedPath{path, {}, number, 1}, RoundedRect{{{-number, 0}, {number, number}}, 3}}) {
             for (const Snapping snapping : {Snapping::none, Snapping::toPixels}) {
                 items.push_back({"", kAll, FillShape{shape, fill, snapping}});
                 items.push_back({"", kAll, StrokeShape{shape, line, fill, snapping}});

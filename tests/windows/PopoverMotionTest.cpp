@@ -117,8 +117,10 @@ TEST_F(PopoverMotionTest, NoPicturesAreMadeForNobody) {
         EXPECT_TRUE(comes([&] { return content_.pictures > before + 3; })) << name;
     };
     const auto cover = bystander_->open({250, 50, 400, 300});
-    onlyWhere(
-        "covered", [] {}, [&] { bystander_->close(cover); });
+    // What changes there is no reason either.
+    const auto covered = [&] { content_.change(); };
+    const auto uncover = [&] { bystander_->close(cover); };
+    onlyWhere("covered", covered, uncover);
     onlyWhere(
         "off", [&] { bystander_->unmap(popover); }, [&] { bystander_->map(popover); });
     onlyWhere(

@@ -18,7 +18,8 @@ Program::Program(const std::string& display, bool hasSeenWelcome, const std::str
     dup2(output, 2);
     display.empty() ? unsetenv("DISPLAY") : setenv("DISPLAY", display.c_str(), 1);
     setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
-    setenv("DBUS_SESSION_BUS_ADDRESS", sessionBus.c_str(), 1);
+    sessionBus.empty() ? unsetenv("DBUS_SESSION_BUS_ADDRESS")
+                       : setenv("DBUS_SESSION_BUS_ADDRESS", sessionBus.c_str(), 1);
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "", 1);  // none, rather than the machine's
     unsetenv("XDG_RUNTIME_DIR");
     execl(NORVANE_BINARY_DIR "/norvane", "norvane", nullptr);
