@@ -83,7 +83,8 @@ TEST_F(PanelTest, CoresAreNumberedThroughTheEfficientOnesFirst) {
                     "Core 1: 10 %", "Core 2: 50 %", "Core 3: 60 %"}));
     const auto lines = shown_.all<StrokeShape>();  // each arc after its track
     ASSERT_EQ(lines.size(), 6U);
-    for (const auto& [at, end, ink] : {std::tuple{1, 0.1, blue}, {3, 0.5, purple}, {5, 0.6, purple}}) {
+    for (const auto& [at, end, ink] :
+         {std::tuple{std::size_t{1}, 0.1, blue}, {3, 0.5, purple}, {5, 0.6, purple}}) {
         EXPECT_DOUBLE_EQ(std::get<Arc>(lines[at].shape).to, end);
         EXPECT_EQ(lines[at].fill.from, light(ink)) << end;
     }
